@@ -1,0 +1,40 @@
+# One folder of src/ is one room: a static library that links only the rooms it may see, so that a call upwards does
+# not link. tests/include_arrows reads the #include lines for the same rule.
+
+add_library(deckhand_options INTERFACE)
+target_compile_options(deckhand_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(DECKHAND_WERROR)
+  target_compile_options(deckhand_options INTERFACE -Werror)
+endif()
+if(DECKHAND_SANITIZE)
+  target_compile_options(deckhand_options INTERFACE -fsanitize=${DECKHAND_SANITIZE} -fno-omit-frame-pointer
+                                                   -fno-sanitize-recover=all)
+  target_link_options(deckhand_options INTERFACE -fsanitize=${DECKHAND_SANITIZE})
+endif()
+
+# deckhand_room(NAME SEES room... [LIBRARIES target...]): the room in this folder.
+function(deckhand_room name)
+  cmake_parse_arguments(ROOM "" "" "SEES;LIBRARIES" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS *.cpp)
+  set(kind PUBLIC)
+  if(sources)
+    add_library(${name} STATIC ${sources})
+    target_link_libraries(${name} PRIVATE deckhand_options)
+  else()
+    set(kind INTERFACE)
+    add_library(${name} INTERFACE)
+  endif()
+  target_include_directories(${name} ${kind} ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(${name} ${kind} ${ROOM_SEES} ${ROOM_LIBRARIES})
+endfunction()
+
+# deckhand_tests(NAME ROOMS target...): the tests in this folder, each test case a ctest test.
+function(deckhand_tests name)
+  cmake_parse_arguments(TESTS "" "" "ROOMS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS *_test.cpp)
+  add_executable(${name} ${sources})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE deckhand_options ${TESTS_ROOMS} GTest::gmock GTest::gtest_main)
+  target_compile_definitions(${name} PRIVATE DECKHAND_FIXTURES="${PROJECT_SOURCE_DIR}/tests/fixtures")
+  gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+endfunction()
