@@ -1,0 +1,84 @@
+#include "base/calendar_date.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <ctime>
+
+namespace zq {
+namespace {
+
+// 1 January 2001 00:00:00 UTC in seconds since 1970.
+constexpr std::int64_t kReferenceDateUnixSeconds = 978307200;
+
+std::tm tmFrom(int year, int month, int day, int hour, int minute, int second) {
+  std::tm fields{};
+  fields.tm_year = year - 1900;
+  fields.tm_mon = month - 1;
+  fields.tm_mday = day;
+  fields.tm_hour = hour;
+  fields.tm_min = minute;
+  fields.tm_sec = second;
+  fields.tm_isdst = -1;
+  return fields;
+}
+
+int lastDayOfMonth(int year, int month) {
+  const std::chrono::year_month_day_last last =
+      std::chrono::year{year} / std::chrono::month{static_cast<unsigned>(month)} / std::chrono::last;
+  return static_cast<int>(static_cast<unsigned>(last.day()));
+}
+
+}  // namespace
+
+CalendarDate::CalendarDate(int year, int month, int day, int hour, int minute, int second) {
+  std::tm fields = tmFrom(year, month, day, hour, minute, second);
+  referenceSeconds_ = static_cast<std::int64_t>(std::mktime(&fields)) - kReferenceDateUnixSeconds;
+  // mktime normalises the fields it was given, so they need no second conversion.
+  year_ = fields.tm_year + 1900;
+  month_ = fields.tm_mon + 1;
+  day_ = fields.tm_mday;
+  hour_ = fields.tm_hour;
+  minute_ = fields.tm_min;
+  second_ = fields.tm_sec;
+}
+
+CalendarDate CalendarDate::fromReferenceSeconds(std::int64_t seconds) {
+  CalendarDate date;
+  date.referenceSeconds_ = seconds;
+  date.setFieldsFromReferenceSeconds();
+  return date;
+}
+
+void CalendarDate::setFieldsFromReferenceSeconds() {
+  const std::time_t unixSeconds = static_cast<std::time_t>(referenceSeconds_ + kReferenceDateUnixSeconds);
+  std::tm fields{};
+  localtime_r(&unixSeconds, &fields);
+  year_ = fields.tm_year + 1900;
+  month_ = fields.tm_mon + 1;
+  day_ = fields.tm_mday;
+  hour_ = fields.tm_hour;
+  minute_ = fields.tm_min;
+  second_ = fields.tm_sec;
+}
+
+double CalendarDate::timeIntervalSinceDate(const CalendarDate& other) const {
+  return static_cast<double>(referenceSeconds_ - other.referenceSeconds_);
+}
+
+CalendarDate CalendarDate::dateByAdding(int years, int months, int days, int hours, int minutes, int seconds) const {
+  const int monthsFromZero = (year_ + years) * 12 + (month_ - 1) + months;
+  const int year = monthsFromZero >= 0 ? monthsFromZero / 12 : (monthsFromZero - 11) / 12;
+  const int month = monthsFromZero - year * 12 + 1;
+  const int day = std::min(day_, lastDayOfMonth(year, month));
+  const CalendarDate onWallClock(year, month, day + days, hour_, minute_, second_);
+  const std::int64_t elapsed = std::int64_t{hours} * 3600 + std::int64_t{minutes} * 60 + seconds;
+  return fromReferenceSeconds(onWallClock.referenceSeconds_ + elapsed);
+}
+
+std::string CalendarDate::isoString() const {
+  return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}", year_, month_, day_, hour_, minute_, second_);
+}
+
+}  // namespace zq

@@ -1,0 +1,14 @@
+#pragma once
+// A group of controls that is shown or hidden as one.
+
+namespace zq::outlets {
+
+/// Main thread only.
+class Panel {
+ public:
+  virtual ~Panel() = default;
+  virtual void setShown(bool shown) = 0;
+  virtual bool isShown() const = 0;
+};
+
+}  // namespace zq::outlets
