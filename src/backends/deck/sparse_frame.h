@@ -1,0 +1,38 @@
+#pragma once
+// A frame of a tape file of which only the few blocks are read that say what it is: the first six of a sequence.
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "backends/deck/frame_index.h"
+#include "backends/deck/tape_file.h"
+#include "base/shared_bytes.h"
+#include "base/status.h"
+
+namespace zq::backend {
+
+/// One thread at a time. The buffer is used again for each frame.
+class SparseFrame {
+ public:
+  explicit SparseFrame(const TapeFile& file);
+
+  /// Begins with another frame: reads its first sequence's blocks and forgets the others.
+  Status begin(std::uint64_t offset, DVSystem system);
+  /// Reads the blocks of sequence `index`, and those of the sequence that its header names, unless they are there.
+  Status needSequence(std::uint32_t index);
+  /// As large as the frame. What was not asked for holds what an earlier frame left there.
+  const SharedBytes& bytes() const { return view_; }
+
+ private:
+  Status load(std::uint32_t index);
+
+  const TapeFile& file_;
+  const std::shared_ptr<std::vector<std::uint8_t>> buffer_;
+  std::uint64_t offset_ = 0;
+  std::uint32_t sequences_ = 0;
+  std::uint32_t loaded_ = 0;  // a bit for each sequence
+  SharedBytes view_;
+};
+
+}  // namespace zq::backend

@@ -1,0 +1,41 @@
+#pragma once
+// The file of a tape image, opened for reading: its bytes by position, and what is wrong with it in a user's words.
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "base/status.h"
+
+namespace zq::backend {
+
+class TapeFile {
+ public:
+  /// A regular, readable file that is not empty; else an error that says which file, why and what to do.
+  static Expected<std::shared_ptr<TapeFile>> open(const std::string& path);
+  ~TapeFile();
+  TapeFile(const TapeFile&) = delete;
+  TapeFile& operator=(const TapeFile&) = delete;
+
+  const std::string& path() const { return path_; }
+  /// Bytes, as found when it was opened.
+  std::uint64_t size() const { return size_; }
+  int descriptor() const { return descriptor_; }
+
+  /// Fills `destination` from `offset` on. Fails when the file cannot be read there or has become shorter.
+  Status read(std::span<std::uint8_t> destination, std::uint64_t offset) const;
+  /// Whether the file still has all the bytes that it had.
+  Status checkSize() const;
+
+ private:
+  TapeFile(std::string path, int descriptor, std::uint64_t size);
+  Error shrunk() const;
+
+  // Constant after construction.
+  const std::string path_;
+  const int descriptor_;
+  const std::uint64_t size_;
+};
+
+}  // namespace zq::backend

@@ -1,0 +1,92 @@
+#include "backends/session/movie_file_output.h"
+
+#include <filesystem>
+#include <mutex>
+#include <utility>
+
+namespace zq::backend {
+
+using platform::QTCaptureConnection;
+using platform::QTSampleBuffer;
+
+std::string continuationPath(const std::string& path, int part) {
+  std::filesystem::path name(path);
+  const std::string extension = name.extension().string();
+  name.replace_extension();
+  return name.string() + "-part" + std::to_string(part) + extension;
+}
+
+MovieFileOutput::MovieFileOutput(platform::Runtime& runtime, platform::MovieWriterFactory& writers, Log& log,
+                                 RecorderObserver observer, FrameHook frameSeen, std::size_t queueFrames)
+    : frameSeen_(std::move(frameSeen)),
+      mutex_(runtime.makeMutex("file output")),
+      delegateLock_(runtime, "file output delegate"),
+      recorder_(runtime, writers, log, std::move(observer), queueFrames) {}
+
+void MovieFileOutput::setDelegate(platform::QTCaptureOutputDelegate* delegate) {
+  const std::lock_guard guard(delegateLock_);
+  delegate_ = delegate;
+}
+
+void MovieFileOutput::recordToOutputFileURL(const std::optional<std::string>& path) {
+  const std::lock_guard guard(*mutex_);
+  if (path == path_) return;
+  if (path_) recorder_.close();
+  path_ = path;
+  fileFrameSize_ = 0;
+  continuations_ = 0;
+  if (path_) recorder_.open(*path_);
+}
+
+std::optional<std::string> MovieFileOutput::outputFileURL() const {
+  const std::lock_guard guard(*mutex_);
+  return path_;
+}
+
+std::vector<QTCaptureConnection> MovieFileOutput::connections() const {
+  return {{platform::QTMediaTypeVideo}, {platform::QTMediaTypeSound}};
+}
+
+// Frames are written as received, which is what no options ask for; encoders come with the compression choices.
+void MovieFileOutput::setCompressionOptionsForConnection(
+    std::shared_ptr<const platform::QTCompressionOptions> /*options*/, const QTCaptureConnection& /*connection*/) {}
+
+void MovieFileOutput::consume(const QTSampleBuffer& frame, bool sourceCanWait) {
+  tellDelegate(frame);
+  if (frameSeen_) frameSeen_(*this, frame);
+  writeIfRecording(frame, sourceCanWait);
+}
+
+bool MovieFileOutput::fileCannotTake(const QTSampleBuffer& frame) const {
+  const std::lock_guard guard(*mutex_);
+  return path_ && fileFrameSize_ != 0 && fileFrameSize_ != frame.lengthForAllSamples();
+}
+
+void MovieFileOutput::tellDelegate(const QTSampleBuffer& frame) {
+  const std::lock_guard guard(delegateLock_);
+  if (delegate_ == nullptr) return;
+  if (fileCannotTake(frame)) {
+    delegate_->captureOutputMustChangeOutputFileAtURLForConnectionsDueToError(
+        *this, outputFileURL().value_or(""), connections(), {"The signal system of the tape changes", ""});
+  }
+  if (delegate_ == nullptr) return;
+  delegate_->captureOutputDidOutputSampleBufferFromConnection(*this, frame, {platform::QTMediaTypeVideo});
+}
+
+// A file holds frames of one system. When nobody asked for another file by now, the clip goes on in one beside it, so
+// that nothing of the tape is left out.
+void MovieFileOutput::writeIfRecording(const QTSampleBuffer& frame, bool sourceCanWait) {
+  {
+    const std::lock_guard guard(*mutex_);
+    if (!path_) return;
+    if (fileFrameSize_ != 0 && fileFrameSize_ != frame.lengthForAllSamples()) {
+      ++continuations_;
+      recorder_.close();
+      recorder_.open(continuationPath(*path_, continuations_ + 1));
+    }
+    fileFrameSize_ = frame.lengthForAllSamples();
+  }
+  recorder_.push(frame, sourceCanWait);
+}
+
+}  // namespace zq::backend

@@ -1,0 +1,173 @@
+#include "backends/session/movie_recorder.h"
+
+#include <fmt/format.h>
+
+#include <mutex>
+#include <utility>
+
+#include "timecode/timecode_text.h"
+
+namespace zq::backend {
+
+using platform::QTSampleBuffer;
+
+namespace {
+
+// The writer is woken for this many frames at a time: waking it for each costs more than writing one.
+constexpr std::size_t kBatchFrames = 8;
+
+}  // namespace
+
+MovieRecorder::MovieRecorder(platform::Runtime& runtime, platform::MovieWriterFactory& writers, Log& log,
+                             RecorderObserver observer, std::size_t queueFrames)
+    : runtime_(runtime),
+      writers_(writers),
+      log_(log),
+      observer_(std::move(observer)),
+      queueFrames_(queueFrames),
+      mutex_(runtime.makeMutex("movie queue")),
+      workArrived_(runtime.makeCondition("movie queue: frames to write")),
+      spaceArrived_(runtime.makeCondition("movie queue: space for a frame")) {
+  thread_ = runtime.startThread("movie writer", [this] { run(); });
+}
+
+void MovieRecorder::finish() {
+  if (!thread_) return;
+  {
+    const std::lock_guard guard(*mutex_);
+    quit_ = true;
+    workArrived_->notifyAll();
+  }
+  thread_->join();
+  thread_.reset();
+}
+
+void MovieRecorder::open(const std::string& path) {
+  queueChange({Item::Kind::open, {}, path});
+}
+
+void MovieRecorder::close() {
+  queueChange({Item::Kind::close, {}, {}});
+}
+
+// Changes of file are never dropped, and they are done at once: somebody waits for the file that they end.
+void MovieRecorder::queueChange(Item item) {
+  const std::lock_guard guard(*mutex_);
+  queue_.push_back(std::move(item));
+  urgent_ = true;
+  workArrived_->notifyAll();
+}
+
+void MovieRecorder::push(const QTSampleBuffer& frame, bool mayWait) {
+  const std::lock_guard guard(*mutex_);
+  while (mayWait && queue_.size() >= queueFrames_) {
+    workArrived_->notifyAll();
+    spaceArrived_->wait(*mutex_);
+  }
+  if (queue_.size() >= queueFrames_) {
+    ++dropped_;
+    ++droppedFromFile_;
+    log_.write(LogLevel::warning,
+               fmt::format("Frame {} dropped: the disk does not keep up",
+                           frame.smpteTime ? timecodeText(*frame.smpteTime) : std::string("without a timecode")));
+    return;
+  }
+  queue_.push_back({Item::Kind::frame, frame, {}});
+  if (queue_.size() >= kBatchFrames) workArrived_->notifyAll();
+}
+
+std::int64_t MovieRecorder::recordedFrames() const {
+  const std::lock_guard guard(*mutex_);
+  return recorded_;
+}
+
+std::int64_t MovieRecorder::droppedFrames() const {
+  const std::lock_guard guard(*mutex_);
+  return dropped_;
+}
+
+void MovieRecorder::run() {
+  std::vector<Item> batch;
+  while (takeBatch(batch)) {
+    for (const Item& item : batch) write(item);
+    batch.clear();
+  }
+  finishFile();
+}
+
+bool MovieRecorder::takeBatch(std::vector<Item>& batch) {
+  const std::lock_guard guard(*mutex_);
+  while (!quit_ && !urgent_ && queue_.size() < std::min(kBatchFrames, queueFrames_)) workArrived_->wait(*mutex_);
+  const std::size_t count = std::min(queue_.size(), kBatchFrames);
+  for (std::size_t i = 0; i < count; ++i) {
+    batch.push_back(std::move(queue_.front()));
+    queue_.pop_front();
+  }
+  if (queue_.empty()) urgent_ = false;
+  spaceArrived_->notifyAll();
+  return !batch.empty();
+}
+
+void MovieRecorder::write(const Item& item) {
+  switch (item.kind) {
+    case Item::Kind::open:
+      finishFile();
+      return startFile(item.path);
+    case Item::Kind::close:
+      return finishFile();
+    case Item::Kind::frame:
+      return appendFrame(item.frame);
+  }
+}
+
+void MovieRecorder::startFile(const std::string& path) {
+  file_ = FinishedFile{path, 0, 0, std::nullopt};
+  auto writer = writers_.create(path);
+  if (writer.ok()) {
+    writer_ = std::move(writer.value());
+  } else {
+    fail(writer.error());
+  }
+}
+
+void MovieRecorder::appendFrame(const QTSampleBuffer& frame) {
+  if (!file_) return;
+  if (!file_->error) {
+    if (Status status = writer_->append(frame); !status.ok()) fail(status.error());
+  }
+  const std::lock_guard guard(*mutex_);
+  if (file_->error) {
+    ++file_->dropped;
+    ++dropped_;
+  } else {
+    ++file_->frames;
+    ++recorded_;
+  }
+}
+
+void MovieRecorder::fail(const Error& error) {
+  file_->error = error;
+  log_.write(LogLevel::error, error.text());
+  if (observer_.failed) {
+    runtime_.mainLoop().post([failed = observer_.failed, path = file_->path, error] { failed(path, error); });
+  }
+}
+
+void MovieRecorder::finishFile() {
+  if (!file_) return;
+  if (writer_) {
+    Status status = writer_->finish();
+    if (!status.ok() && !file_->error) fail(status.error());
+    writer_.reset();
+  }
+  {
+    const std::lock_guard guard(*mutex_);
+    file_->dropped += std::exchange(droppedFromFile_, 0);
+  }
+  if (observer_.finished) {
+    runtime_.mainLoop().post([finished = observer_.finished, file = *file_] { finished(file); });
+  }
+  file_.reset();
+}
+
+}  // namespace zq::backend

@@ -1,0 +1,94 @@
+#pragma once
+// The writer thread of a file output: a bounded queue of frames and file changes, written in order.
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/log.h"
+#include "platform/movie_writer.h"
+#include "platform/runtime.h"
+#include "platform/sample_buffer.h"
+
+namespace zq::backend {
+
+/// A file that is complete on disk, trailer included.
+struct FinishedFile {
+  std::string path;
+  std::int64_t frames = 0;   // in the file
+  std::int64_t dropped = 0;  // left out: the disk was too slow, or had failed
+  std::optional<Error> error;
+};
+
+/// Called on the main thread.
+struct RecorderObserver {
+  std::function<void(const FinishedFile&)> finished;
+  /// The file cannot take more; finished() follows when it is closed.
+  std::function<void(const std::string& path, const Error&)> failed;
+};
+
+class MovieRecorder {
+ public:
+  MovieRecorder(platform::Runtime& runtime, platform::MovieWriterFactory& writers, Log& log, RecorderObserver observer,
+                std::size_t queueFrames);
+  ~MovieRecorder() { finish(); }
+
+  /// Writes what is queued, completes the open file and ends the thread. What is pushed later is lost.
+  void finish();
+
+  // From any thread.
+  /// What is pushed from now on goes to this file.
+  void open(const std::string& path);
+  void close();
+  /// Queues one frame. When the queue is full it waits if `mayWait`, else drops the frame, which is counted and logged.
+  void push(const platform::QTSampleBuffer& frame, bool mayWait);
+  std::int64_t recordedFrames() const;
+  std::int64_t droppedFrames() const;
+
+ private:
+  /// A frame, or a change of file: `open` with a path, or a close.
+  struct Item {
+    enum class Kind { frame, open, close } kind;
+    platform::QTSampleBuffer frame;
+    std::string path;
+  };
+
+  void queueChange(Item item);
+  void run();
+  bool takeBatch(std::vector<Item>& batch);
+  void write(const Item& item);
+  void startFile(const std::string& path);
+  void appendFrame(const platform::QTSampleBuffer& frame);
+  void finishFile();
+  void fail(const Error& error);
+
+  // Constant after construction.
+  platform::Runtime& runtime_;
+  platform::MovieWriterFactory& writers_;
+  Log& log_;
+  const RecorderObserver observer_;
+  const std::size_t queueFrames_;
+  const std::unique_ptr<platform::Mutex> mutex_;
+  const std::unique_ptr<platform::Condition> workArrived_;
+  const std::unique_ptr<platform::Condition> spaceArrived_;
+
+  // Guarded by mutex_.
+  std::deque<Item> queue_;
+  bool urgent_ = false;
+  bool quit_ = false;
+  std::int64_t recorded_ = 0;
+  std::int64_t dropped_ = 0;
+  std::int64_t droppedFromFile_ = 0;
+
+  // Writer thread only.
+  std::unique_ptr<platform::MovieWriter> writer_;
+  std::optional<FinishedFile> file_;
+
+  std::unique_ptr<platform::Thread> thread_;
+};
+
+}  // namespace zq::backend
