@@ -1,0 +1,25 @@
+#pragma once
+// What the capture controller tells its host, and asks it.
+
+#include <functional>
+
+#include "capture/clip_info.h"
+
+namespace zq {
+
+class ZQACController;
+
+/// Each operation is optional: an empty one is a delegate that does not answer it. They are called on the thread that
+/// caused them: a clip that the tape opens or closes, on the delivery thread; the rest where setRecording() was called.
+struct ZQACControllerDelegate {
+  /// A recording session starts, before anything else.
+  std::function<void(ZQACController&)> accontrollerBeginRecord;
+  /// A clip is about to start: where to write it.
+  std::function<ClipPaths(ZQACController&)> accontrollerWillRecord;
+  /// A clip has ended.
+  std::function<void(ZQACController&, const ClipInfo&)> accontrollerDidRecordInfo;
+  /// A recording session has ended; the last call of it.
+  std::function<void(ZQACController&)> accontrollerEndRecord;
+};
+
+}  // namespace zq
