@@ -1,0 +1,152 @@
+#include "host/capture_command.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "backends/settings/layered_settings.h"
+#include "backends/time/real_runtime.h"
+#include "backends/time/virtual_runtime.h"
+#include "host/backend_module.h"
+#include "host/capture_run.h"
+#include "host/exit_codes.h"
+#include "host/interrupts.h"
+#include "host/setting_options.h"
+#include "host/text.h"
+
+namespace zq::host {
+namespace {
+
+constexpr char kTapePrefix[] = "tape:";
+
+Expected<std::shared_ptr<backend::TapeImage>> openDevice(const std::string& device) {
+  if (!device.starts_with(kTapePrefix)) {
+    return Error{"There is no device \"" + device + "\"", "A tape image is played as tape:PATH."};
+  }
+  return backend::TapeImage::open(device.substr(sizeof(kTapePrefix) - 1));
+}
+
+Expected<std::vector<SettingChange>> parseSettings(const std::vector<std::string>& texts) {
+  std::vector<SettingChange> changes;
+  for (const std::string& text : texts) {
+    auto change = parseSetting(text);
+    if (!change.ok()) return change.error();
+    changes.push_back(change.value());
+  }
+  return changes;
+}
+
+/// The live settings as they are at the start, and the changes for this run only. A run keeps what it began with.
+void layRunSettings(backend::LayeredSettings& run, const std::vector<SettingChange>& changes) {
+  for (const std::string& key : settingKeys()) {
+    if (auto value = run.objectForKey(key)) run.overlayObjectForKey(key, std::move(*value));
+  }
+  for (const SettingChange& change : changes) run.overlayObjectForKey(change.key, change.value);
+}
+
+std::unique_ptr<platform::Runtime> makeRuntime(bool realTime) {
+  if (realTime) return std::make_unique<backend::RealRuntime>();
+  return std::make_unique<backend::VirtualRuntime>();
+}
+
+void printSummary(const SessionReport& report, const std::string& reportPath) {
+  fmt::print("{:>4}  {:<19}  {:<11}  {:<11}  {:>8}  {:>6}  {}\n", "clip", "recorded", "from", "to", "frames", "thumbs",
+             "movie");
+  for (const CapturedClip& clip : report.clips) {
+    fmt::print("{:>4}  {:<19}  {:<11}  {:<11}  {:>8}  {:>6}  {}\n", clip.info.clipId.value_or(""),
+               textOf(clip.info.clipRecordingDate), textOf(clip.info.clipStartTimecode),
+               textOf(clip.info.clipEndTimecode), clip.movieFrames, clip.thumbnailFrames, clip.moviePath);
+  }
+  fmt::print("\n{} clips, {} frames played, {} recorded, {} dropped; report: {}\n", report.clips.size(),
+             report.delivered, report.recorded, report.dropped, reportPath);
+}
+
+/// One capture, from options that were found right.
+class CaptureCommand {
+ public:
+  CaptureCommand(const CaptureOptions& options, Console& console)
+      : options_(options), console_(console), files_(options.output, options.format, tapeName()), reportFile_(files_) {}
+
+  int run(const std::vector<SettingChange>& changes) {
+    auto tape = openDevice(options_.device);
+    if (!tape.ok()) return failed(tape.error());
+    if (Status status = files_.prepare(); !status.ok()) return failed(status.error());
+    if (Status status = reportFile_.reserve(); !status.ok()) return failed(status.error());
+    auto module = loadBackendModule();
+    if (!module.ok()) return failed(module.error());
+    const std::unique_ptr<platform::Runtime> runtime = makeRuntime(options_.realTime);
+    const auto stored = module.value()->makeUserSettings(*runtime);
+    ZQACController::initialize(*stored);
+    backend::LayeredSettings settings(*runtime, *stored);
+    layRunSettings(settings, changes);
+    const auto writers = module.value()->makeMovieWriters(console_);
+    backend::RealRuntime wall;
+    const Interrupts interrupts;
+    const platform::Duration lookEvery = options_.realTime ? std::chrono::milliseconds(200) : std::chrono::seconds(1);
+    CaptureRun run({*runtime, wall.clock(), settings, *writers, console_, files_, tape.value(), {}, lookEvery, [] {
+                      return Interrupts::wasAsked();
+                    }});
+    SessionReport report = run.run();
+    report.format = options_.format;
+    return finish(run, report, settings);
+  }
+
+ private:
+  std::string tapeName() const {
+    const std::string stem =
+        std::filesystem::path(options_.device.substr(options_.device.find(':') + 1)).stem().string();
+    return stem.empty() ? "tape" : stem;
+  }
+
+  int failed(const Error& error) {
+    console_.error(error);
+    return kExitFailed;
+  }
+
+  int finish(const CaptureRun& run, const SessionReport& report, const platform::Settings& settings) {
+    const std::string text =
+        report.json(settings).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+    const auto path = reportFile_.write(text);
+    if (options_.json) {
+      fmt::print("{}", text);
+    } else {
+      printSummary(report, path.ok() ? path.value() : "none");
+    }
+    std::fflush(stdout);
+    if (!path.ok()) return failed(path.error());
+    return tellEnd(run, report);
+  }
+
+  int tellEnd(const CaptureRun& run, const SessionReport& report) {
+    std::vector<std::string> lines = run.findings().lines();
+    for (std::string& line : run.incompleteClips(report)) lines.push_back(std::move(line));
+    for (const std::string& line : lines) console_.warning(options_.device + ": " + line);
+    if (run.error()) {
+      return failed({"The capture ended early after " + std::to_string(report.recorded) +
+                         " recorded frames, which are complete in " + files_.folder(),
+                     run.error()->text()});
+    }
+    if (report.ended == "interrupted") return kExitInterrupted;
+    return lines.empty() && report.dropped == 0 ? kExitOk : kExitFindings;
+  }
+
+  const CaptureOptions& options_;
+  Console& console_;
+  ClipFiles files_;
+  ReportFile reportFile_;
+};
+
+}  // namespace
+
+int runCapture(const CaptureOptions& options, Console& console) {
+  const auto changes = parseSettings(options.settings);
+  if (!changes.ok()) {
+    console.error(changes.error());
+    return kExitUsage;
+  }
+  return CaptureCommand(options, console).run(changes.value());
+}
+
+}  // namespace zq::host

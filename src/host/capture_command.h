@@ -1,0 +1,23 @@
+#pragma once
+// `deckhand capture`: a tape becomes clips.
+
+#include <string>
+#include <vector>
+
+#include "host/console.h"
+
+namespace zq::host {
+
+struct CaptureOptions {
+  std::string device;
+  std::string output;
+  std::string format = "mov";
+  bool realTime = false;
+  std::vector<std::string> settings;  // KEY=VALUE
+  bool json = false;
+};
+
+/// The exit code.
+int runCapture(const CaptureOptions& options, Console& console);
+
+}  // namespace zq::host

@@ -1,0 +1,168 @@
+#include "host/inspect_command.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <vector>
+
+#include "backends/time/real_runtime.h"
+#include "dv/dv_constants.h"
+#include "host/exit_codes.h"
+#include "host/scene_list.h"
+#include "host/tape_inspector.h"
+#include "host/text.h"
+#include "timecode/timecode_text.h"
+
+namespace zq::host {
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr char kFrameHeader[] = "frame,offset,system,timecode,recordingDate,aspectRatio\n";
+constexpr char kSceneHeader[] = "firstFrame,frames,startTimecode,endTimecode,recordingDate,aspectRatio\n";
+
+std::string frameRows(std::span<const FrameRecord> records) {
+  std::string rows;
+  rows.reserve(records.size() * 80);
+  for (const FrameRecord& record : records) {
+    fmt::format_to(std::back_inserter(rows), "{},{},{},{},{},{}\n", record.frame, record.offset, nameOf(record.system),
+                   textOf(record.timecode), textOf(record.recordingDate), record.aspectRatio);
+  }
+  return rows;
+}
+
+std::string frameJson(const FrameRecord& record) {
+  const ordered_json frame = {{"frame", record.frame},
+                              {"offset", record.offset},
+                              {"system", nameOf(record.system)},
+                              {"timecode", jsonOf(textOf(record.timecode))},
+                              {"recordingDate", jsonOf(textOf(record.recordingDate))},
+                              {"aspectRatio", record.aspectRatio}};
+  return frame.dump();
+}
+
+/// Rows of a JSON list, each but the very first with a comma before it.
+std::string frameJsonRows(std::span<const FrameRecord> records) {
+  std::string rows;
+  for (const FrameRecord& record : records) rows += (record.frame == 0 ? "\n    " : ",\n    ") + frameJson(record);
+  return rows;
+}
+
+ordered_json sceneJson(const TapeScene& scene) {
+  return {{"firstFrame", scene.firstFrame},
+          {"frames", scene.frames},
+          {"startTimecode", jsonOf(textOf(scene.startTimecode))},
+          {"endTimecode", jsonOf(textOf(scene.endTimecode))},
+          {"recordingDate", jsonOf(textOf(scene.recordingDate))},
+          {"aspectRatio", scene.aspectRatio}};
+}
+
+/// One run over a tape, with what it adds up to.
+class Inspection {
+ public:
+  Inspection(const InspectOptions& options, DVSystem system) : options_(options), system_(system) {}
+
+  std::string format(std::span<const FrameRecord> records) const {
+    if (!options_.frames) return "";
+    return options_.json ? frameJsonRows(records) : frameRows(records);
+  }
+
+  void take(std::span<const FrameRecord> records, const std::string& rows) {
+    std::fwrite(rows.data(), 1, rows.size(), stdout);
+    for (const FrameRecord& record : records) {
+      findings.add(record.facts);
+      if (record.system != system_) mixed_ = true;
+      ++frames_;
+      if (!options_.frames || options_.json) scenes_.add(record);
+    }
+  }
+
+  void printHeader() const {
+    if (options_.frames) std::fputs(options_.json ? "{\n  \"frameList\": [" : kFrameHeader, stdout);
+  }
+
+  void printResult() const {
+    if (options_.json) return printJson();
+    if (options_.frames) return;
+    if (options_.csv) return printSceneRows();
+    printSceneTable();
+  }
+
+  TapeFindings findings;
+
+ private:
+  std::string systemText() const { return std::string(nameOf(system_)); }
+
+  void printJson() const {
+    ordered_json scenes = ordered_json::array();
+    for (const TapeScene& scene : scenes_.scenes()) scenes.push_back(sceneJson(scene));
+    const ordered_json out = {{"file", options_.tape},
+                              {"system", systemText()},
+                              {"frames", frames_},
+                              {"trailingBytes", findings.trailingBytes()},
+                              {"scenes", scenes}};
+    const std::string text = out.dump(2, ' ', false, ordered_json::error_handler_t::replace);
+    // The frames went out as they were read, however many there are, so the rest follows in the same object.
+    fmt::print("{}\n", options_.frames ? "\n  ]," + text.substr(1) : text);
+  }
+
+  void printSceneRows() const {
+    std::fputs(kSceneHeader, stdout);
+    for (const TapeScene& scene : scenes_.scenes()) {
+      fmt::print("{},{},{},{},{},{}\n", scene.firstFrame, scene.frames, textOf(scene.startTimecode),
+                 textOf(scene.endTimecode), textOf(scene.recordingDate), scene.aspectRatio);
+    }
+  }
+
+  void printSceneTable() const {
+    fmt::print("{}: {}{}, {} frames, {} scenes\n\n", options_.tape, systemText(), mixed_ ? " (changes on the way)" : "",
+               frames_, scenes_.scenes().size());
+    fmt::print("{:>5}  {:>10}  {:>8}  {:<11}  {:<11}  {:<19}  {}\n", "scene", "frame", "frames", "from", "to",
+               "recorded", "aspect");
+    int number = 0;
+    for (const TapeScene& scene : scenes_.scenes()) {
+      fmt::print("{:>5}  {:>10}  {:>8}  {:<11}  {:<11}  {:<19}  {}\n", ++number, scene.firstFrame, scene.frames,
+                 textOf(scene.startTimecode), textOf(scene.endTimecode), textOf(scene.recordingDate),
+                 DVAspectRatioNameForRatio(scene.aspectRatio));
+    }
+  }
+
+  const InspectOptions& options_;
+  const DVSystem system_;
+  std::int64_t frames_ = 0;
+  bool mixed_ = false;
+  SceneList scenes_;
+};
+
+}  // namespace
+
+int runInspect(const InspectOptions& options, Console& console) {
+  backend::RealRuntime runtime;
+  auto inspector = TapeInspector::open(options.tape, runtime);
+  if (!inspector.ok()) {
+    console.error(inspector.error());
+    return kExitFailed;
+  }
+  Inspection inspection(options, inspector.value()->system());
+  inspection.printHeader();
+  const Status status = inspector.value()->run(
+      [&](std::span<const FrameRecord> records) { return inspection.format(records); },
+      [&](std::span<const FrameRecord> records, const std::string& rows) { inspection.take(records, rows); });
+  inspection.findings.setTrailingBytes(inspector.value()->trailingBytes());
+  inspection.printResult();
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    console.error({"Cannot write the output", "The disk may be full, or the reader has gone."});
+    return kExitFailed;
+  }
+  if (!status.ok()) {
+    console.error(status.error());
+    return kExitFailed;
+  }
+  const std::vector<std::string> findings = inspection.findings.lines();
+  for (const std::string& line : findings) console.warning(options.tape + ": " + line);
+  return findings.empty() ? kExitOk : kExitFindings;
+}
+
+}  // namespace zq::host

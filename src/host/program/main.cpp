@@ -1,0 +1,125 @@
+// The command line: options in, one command run, its exit code out.
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <functional>
+#include <string>
+
+#include "host/capture_command.h"
+#include "host/console.h"
+#include "host/devices_command.h"
+#include "host/exit_codes.h"
+#include "host/inspect_command.h"
+#include "host/make_tape_command.h"
+#include "host/setting_options.h"
+
+namespace {
+
+using namespace zq::host;  // NOLINT(google-build-using-namespace): this file is the program
+
+constexpr char kExitCodes[] =
+    "Exit codes: 0 done; 1 not done, or not to the end (what was captured is complete); 2 wrong command line;\n"
+    "3 done, but the tape has something to look at; 130 ended by Ctrl-C.";
+
+void addDevices(CLI::App& app, DevicesOptions& options) {
+  CLI::App* command = app.add_subcommand("devices", "List what can be captured from");
+  command->add_flag("--json", options.json, "Print JSON");
+  command->footer("Examples:\n  deckhand devices\n  deckhand devices --json");
+}
+
+void addInspect(CLI::App& app, InspectOptions& options) {
+  CLI::App* command = app.add_subcommand("inspect", "Say what is on a tape image: its scenes, or every frame");
+  command->add_option("TAPE", options.tape, "A raw DV file")->required();
+  command->add_flag("--frames", options.frames, "One row a frame instead of the scenes");
+  CLI::Option* json = command->add_flag("--json", options.json, "Print JSON");
+  command->add_flag("--csv", options.csv, "Print CSV")->excludes(json);
+  command->footer(
+      "Examples:\n"
+      "  deckhand inspect holiday.dv\n"
+      "  deckhand inspect holiday.dv --json\n"
+      "  deckhand inspect holiday.dv --frames --csv > frames.csv");
+}
+
+void addCapture(CLI::App& app, CaptureOptions& options) {
+  CLI::App* command = app.add_subcommand("capture", "Capture a tape into clips, cut where the recording date jumps");
+  command->add_option("--device", options.device, "tape:PATH plays a tape image")->required();
+  command->add_option("--output", options.output, "Folder for the clips; made if need be")->required();
+  command->add_option("--format", options.format, "Movie files: mov, avi, mkv or dv")
+      ->check(CLI::IsMember({"mov", "avi", "mkv", "dv"}))
+      ->capture_default_str();
+  command->add_flag("--real-time", options.realTime, "At the deck's own pace, not as fast as the machine can");
+  command->add_option("--set", options.settings, "KEY=VALUE: a capture setting, for this run only; may be repeated")
+      ->expected(1)
+      ->take_all();
+  command->add_flag("--json", options.json, "Print the session report as JSON");
+  command->footer("Settings for --set:\n" + settingsHelp() +
+                  "\n"
+                  "Examples:\n"
+                  "  deckhand capture --device tape:holiday.dv --output clips\n"
+                  "  deckhand capture --device tape:holiday.dv --output clips --format mkv --json\n"
+                  "  deckhand capture --device tape:holiday.dv --output clips --set sampleInterval=3\n"
+                  "  deckhand capture --device tape:holiday.dv --output pictures --set captureMovie=false");
+}
+
+void addMakeTape(CLI::App& app, MakeTapeOptions& options) {
+  CLI::App* command = app.add_subcommand("make-tape", "Make a tape image to try things out with");
+  command->add_option("OUT", options.output, "The raw DV file to make, as in try.dv")->required();
+  command->add_option("--system", options.system, "pal (625/50) or ntsc (525/60)")
+      ->check(CLI::IsMember({"pal", "ntsc"}))
+      ->capture_default_str();
+  command
+      ->add_option("--scene", options.scenes,
+                   "DATE,SECONDS[,TIMECODE]: a scene; may be repeated. DATE is YYYY-MM-DDTHH:MM:SS or none; without a "
+                   "TIMECODE it runs on")
+      ->expected(1)
+      ->take_all();
+  command->footer(
+      "Examples:\n"
+      "  deckhand make-tape try.dv\n"
+      "  deckhand make-tape try.dv --system ntsc --scene 2004-07-15T13:30:45,10 --scene "
+      "2004-07-15T14:00:00,5,00:00:00:00");
+}
+
+int run(int argc, char** argv) {
+  CLI::App app("Deckhand captures DV tape: it cuts what a camcorder plays into clips where the recording date jumps.",
+               "deckhand");
+  bool verbose = false;
+  DevicesOptions devices;
+  InspectOptions inspect;
+  CaptureOptions capture;
+  MakeTapeOptions makeTape;
+  app.set_version_flag("--version", "deckhand " DECKHAND_VERSION);
+  app.add_flag("--verbose", verbose, "Tell what happens on the way, too");
+  app.require_subcommand(1);
+  app.fallthrough();
+  app.footer(std::string("Examples:\n"
+                         "  deckhand make-tape try.dv\n"
+                         "  deckhand inspect try.dv\n"
+                         "  deckhand capture --device tape:try.dv --output clips\n\n") +
+             kExitCodes);
+  addDevices(app, devices);
+  addInspect(app, inspect);
+  addCapture(app, capture);
+  addMakeTape(app, makeTape);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kExitOk : kExitUsage;
+  }
+  Console console(verbose);
+  if (app.got_subcommand("devices")) return runDevices(devices);
+  if (app.got_subcommand("inspect")) return runInspect(inspect, console);
+  if (app.got_subcommand("capture")) return runCapture(capture, console);
+  return runMakeTape(makeTape, console);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& error) {
+    Console(false).error({"Deckhand has a fault of its own and stopped", error.what()});
+    return kExitInternal;
+  }
+}

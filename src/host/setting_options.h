@@ -1,0 +1,26 @@
+#pragma once
+// `--set KEY=VALUE`: which live settings a run may change, and to what.
+
+#include <string>
+#include <vector>
+
+#include "base/status.h"
+#include "platform/settings.h"
+
+namespace zq::host {
+
+struct SettingChange {
+  std::string key;
+  platform::SettingValue value;
+};
+
+/// An error names what is wrong and what would be right.
+Expected<SettingChange> parseSetting(const std::string& text);
+
+/// One line for each key, for the help.
+std::string settingsHelp();
+
+/// The keys that a run has, in a fixed order.
+std::vector<std::string> settingKeys();
+
+}  // namespace zq::host

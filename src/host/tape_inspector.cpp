@@ -1,0 +1,146 @@
+#include "host/tape_inspector.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "backends/deck/sparse_frame.h"
+#include "dv/dv_system.h"
+#include "dv/frame_header.h"
+#include "dv/frame_timecode.h"
+
+namespace zq::host {
+
+using backend::FrameIndex;
+using backend::FrameLocation;
+using backend::SparseFrame;
+using backend::TapeFile;
+
+namespace {
+
+// Enough frames a thread for its start to cost nothing beside them.
+constexpr std::int64_t kChunkFrames = 1024;
+
+/// Whether the frame's own header says that it is one, of this system.
+bool isRegular(const SparseFrame& sparse, DVSystem system) {
+  const auto bytes = sparse.bytes().bytes();
+  return looksLikeFrameHeader(bytes) && systemOfHeader(bytes) == system;
+}
+
+/// The record of the frame that `sparse` has begun.
+Status describe(SparseFrame& sparse, FrameRecord& record) {
+  Status status;
+  const auto need = [&sparse, &status](std::uint32_t sequence) {
+    if (Status read = sparse.needSequence(sequence); !read.ok()) status = read;
+  };
+  const RecordingDateScan scan = scanRecordingDate(sparse.bytes(), nullptr, need);
+  const std::optional<SubcodeTimecode> timecode = firstTimecode(sparse.bytes(), need);
+  if (timecode) record.timecode = timecode->time;
+  record.recordingDate = scan.date;
+  record.aspectRatio = scan.aspectRatio;
+  record.facts = factsOf(record.frame, timecode.has_value(), scan, sparse.bytes());
+  return status;
+}
+
+FrameLocation placeOf(const FrameRecord& record) {
+  return {record.frame, record.offset, record.system};
+}
+
+FrameLocation placeAfter(const FrameLocation& first, std::int64_t frames) {
+  return {first.frame + frames, first.offset + static_cast<std::uint64_t>(frames) * frameSizeOf(first.system),
+          first.system};
+}
+
+}  // namespace
+
+Expected<std::unique_ptr<TapeInspector>> TapeInspector::open(const std::string& path, platform::Runtime& runtime) {
+  auto file = TapeFile::open(path);
+  if (!file.ok()) return file.error();
+  auto index = FrameIndex::open(file.value());
+  if (!index.ok()) return index.error();
+  auto first = index.value().locate(0);
+  if (!first.ok()) return first.error();
+  if (!first.value())
+    return Error{"The tape image " + path + " ends inside its first frame", "It holds no whole frame."};
+  return std::unique_ptr<TapeInspector>(
+      new TapeInspector(file.value(), std::move(index.value()), *first.value(), runtime));
+}
+
+TapeInspector::TapeInspector(std::shared_ptr<TapeFile> file, FrameIndex index, FrameLocation first,
+                             platform::Runtime& runtime)
+    : file_(std::move(file)), index_(std::move(index)), first_(first), runtime_(runtime) {}
+
+std::int64_t TapeInspector::wholeFramesFrom(const FrameLocation& location) const {
+  return static_cast<std::int64_t>((file_->size() - location.offset) / frameSizeOf(location.system));
+}
+
+// Where frames lie is found from frame to frame, so it cannot be known ahead. It is guessed: from a known frame on, all
+// are of its system. Two threads read on under that guess; each stops before the first frame whose header does not bear
+// it out, and from there on the index decides again.
+Status TapeInspector::run(const Formatter& format, const Taker& take) {
+  std::optional<FrameLocation> here = first_;
+  while (here) {
+    const std::int64_t rest = wholeFramesFrom(*here);
+    Chunk one{*here, true, std::min(rest, kChunkFrames), {}, {}, {}};
+    Chunk other{placeAfter(*here, one.wanted), false, std::min(rest - one.wanted, kChunkFrames), {}, {}, {}};
+    readChunks(one, other, format);
+    std::vector<Chunk*> chunks{&one};
+    if (static_cast<std::int64_t>(one.records.size()) == one.wanted && !other.records.empty()) chunks.push_back(&other);
+    if (Status status = dropWrongLast(chunks, format); !status.ok()) return status;
+    FrameLocation last = *here;
+    for (const Chunk* chunk : chunks) {
+      if (!chunk->records.empty()) {
+        take(chunk->records, chunk->formatted);
+        last = placeOf(chunk->records.back());
+      }
+      if (!chunk->status.ok()) return chunk->status;
+    }
+    auto next = index_.following(last);
+    if (!next.ok()) return next.error();
+    here = next.value();
+    if (!here) trailingBytes_ = file_->size() - last.end();
+  }
+  return {};
+}
+
+// The header of each frame bore out the frame before it. The last has none behind it, so the index is asked.
+Status TapeInspector::dropWrongLast(std::vector<Chunk*>& chunks, const Formatter& format) const {
+  std::vector<FrameRecord>& records = chunks.back()->records;
+  if (records.empty() || (records.size() == 1 && chunks.size() == 1)) return {};
+  const FrameRecord& before = records.size() > 1 ? records[records.size() - 2] : chunks.front()->records.back();
+  auto placed = index_.following(placeOf(before));
+  if (!placed.ok()) return placed.error();
+  if (placed.value() && placed.value()->system == records.back().system) return {};
+  records.pop_back();
+  chunks.back()->formatted = format(records);
+  return {};
+}
+
+void TapeInspector::readChunks(Chunk& one, Chunk& other, const Formatter& format) {
+  if (other.wanted == 0) return readChunk(one, format);
+  const auto thread = runtime_.startThread("inspector", [&] { readChunk(other, format); });
+  readChunk(one, format);
+  thread->join();
+}
+
+void TapeInspector::readChunk(Chunk& chunk, const Formatter& format) const {
+  SparseFrame sparse(*file_);
+  chunk.records.reserve(static_cast<std::size_t>(chunk.wanted));
+  FrameLocation location = chunk.first;
+  for (std::int64_t i = 0; i < chunk.wanted; ++i) {
+    chunk.status = sparse.begin(location.offset, location.system);
+    if (!chunk.status.ok()) break;
+    const bool known = i == 0 && chunk.firstIsKnown;
+    if (!known && !isRegular(sparse, location.system)) break;
+    FrameRecord record;
+    record.frame = location.frame;
+    record.offset = location.offset;
+    record.system = location.system;
+    chunk.status = describe(sparse, record);
+    if (!chunk.status.ok()) break;
+    chunk.records.push_back(std::move(record));
+    location = {location.frame + 1, location.end(), location.system};
+  }
+  chunk.formatted = format(chunk.records);
+}
+
+}  // namespace zq::host

@@ -1,0 +1,25 @@
+#include "host/text.h"
+
+#include <nlohmann/json.hpp>
+
+#include "timecode/timecode_text.h"
+
+namespace zq::host {
+
+std::string textOf(const std::optional<SMPTETime>& timecode) {
+  return timecode ? timecodeText(*timecode) : "";
+}
+
+std::string textOf(const TimecodeValue& timecode) {
+  return timecode ? timecodeText(*timecode) : "";
+}
+
+std::string textOf(const DateValue& date) {
+  return date ? date->isoString() : "";
+}
+
+nlohmann::ordered_json jsonOf(const std::string& text) {
+  return text.empty() ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(text);
+}
+
+}  // namespace zq::host
