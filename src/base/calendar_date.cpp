@@ -1,10 +1,16 @@
 #include "base/calendar_date.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstdlib>
 #include <ctime>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "base/digits.h"
 
 namespace zq {
 namespace {
@@ -30,7 +36,34 @@ int lastDayOfMonth(int year, int month) {
   return static_cast<int>(static_cast<unsigned>(last.day()));
 }
 
+/// The last conversion of this thread. The frames of a second all carry the same date, and the system's conversion
+/// looks for a changed time zone on the disk each time.
+struct LastConversion {
+  std::array<int, 6> fields{};
+  std::string zone;
+  std::optional<CalendarDate> date;
+};
+
+LastConversion& lastConversion() {
+  thread_local LastConversion last;
+  return last;
+}
+
+std::string_view zoneVariable() {
+  const char* zone = std::getenv("TZ");
+  return zone != nullptr ? zone : std::string_view();
+}
+
 }  // namespace
+
+CalendarDate CalendarDate::ofFields(const std::array<int, 6>& fields) {
+  LastConversion& last = lastConversion();
+  if (!last.date || last.fields != fields || last.zone != zoneVariable()) {
+    last = {fields, std::string(zoneVariable()),
+            CalendarDate(fields[0], fields[1], fields[2], fields[3], fields[4], fields[5])};
+  }
+  return *last.date;
+}
 
 CalendarDate::CalendarDate(int year, int month, int day, int hour, int minute, int second) {
   std::tm fields = tmFrom(year, month, day, hour, minute, second);
@@ -78,7 +111,18 @@ CalendarDate CalendarDate::dateByAdding(int years, int months, int days, int hou
 }
 
 std::string CalendarDate::isoString() const {
-  return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}", year_, month_, day_, hour_, minute_, second_);
+  std::string text;
+  appendIsoString(text);
+  return text;
+}
+
+void CalendarDate::appendIsoString(std::string& out) const {
+  appendDigits(out, year_, 4);
+  for (const auto& [separator, number] :
+       {std::pair{'-', month_}, {'-', day_}, {'T', hour_}, {':', minute_}, {':', second_}}) {
+    out.push_back(separator);
+    appendDigits(out, number, 2);
+  }
 }
 
 }  // namespace zq

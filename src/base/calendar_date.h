@@ -1,6 +1,7 @@
 #pragma once
 // A point in time together with its wall-clock fields in the system's time zone: what a camcorder's clock showed.
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -17,6 +18,8 @@ class CalendarDate {
   /// before, day 39 runs into the next month), so every input yields a date.
   CalendarDate(int year, int month, int day, int hour, int minute, int second);
 
+  /// As the constructor, from {year, month, day, hour, minute, second}; quick when a thread asks again for the same.
+  static CalendarDate ofFields(const std::array<int, 6>& fields);
   /// From seconds since 1 January 2001 00:00:00 UTC, the reference date.
   static CalendarDate fromReferenceSeconds(std::int64_t seconds);
 
@@ -38,6 +41,7 @@ class CalendarDate {
 
   /// "YYYY-MM-DDTHH:MM:SS", local time without a zone.
   std::string isoString() const;
+  void appendIsoString(std::string& out) const;
 
   bool operator==(const CalendarDate& other) const { return referenceSeconds_ == other.referenceSeconds_; }
 

@@ -14,7 +14,7 @@ struct Error {
   std::string informative;
 
   /// Both texts as one line.
-  std::string text() const { return informative.empty() ? message : message + ": " + informative; }
+  std::string text() const { return informative.empty() ? message : message + ". " + informative; }
 };
 
 class [[nodiscard]] Status {

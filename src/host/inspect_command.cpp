@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "backends/time/real_runtime.h"
+#include "base/digits.h"
 #include "dv/dv_constants.h"
 #include "host/exit_codes.h"
 #include "host/scene_list.h"
@@ -27,8 +28,18 @@ std::string frameRows(std::span<const FrameRecord> records) {
   std::string rows;
   rows.reserve(records.size() * 80);
   for (const FrameRecord& record : records) {
-    fmt::format_to(std::back_inserter(rows), "{},{},{},{},{},{}\n", record.frame, record.offset, nameOf(record.system),
-                   textOf(record.timecode), textOf(record.recordingDate), record.aspectRatio);
+    appendDigits(rows, record.frame, 1);
+    rows += ',';
+    appendDigits(rows, static_cast<std::int64_t>(record.offset), 1);
+    rows += ',';
+    rows += nameOf(record.system);
+    rows += ',';
+    if (record.timecode) appendTimecodeText(rows, *record.timecode);
+    rows += ',';
+    if (record.recordingDate) record.recordingDate->appendIsoString(rows);
+    rows += ',';
+    appendDigits(rows, record.aspectRatio, 1);
+    rows += '\n';
   }
   return rows;
 }

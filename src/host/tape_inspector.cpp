@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "backends/deck/sparse_frame.h"
+#include "dv/dif_sequence.h"
 #include "dv/dv_system.h"
 #include "dv/frame_header.h"
 #include "dv/frame_timecode.h"
@@ -26,17 +27,34 @@ bool isRegular(const SparseFrame& sparse, DVSystem system) {
   return looksLikeFrameHeader(bytes) && systemOfHeader(bytes) == system;
 }
 
-/// The record of the frame that `sparse` has begun.
+/// The aspect ratio that sequence `index` says; the date scan keeps that of the last sequence it decodes.
+std::int32_t aspectRatioOf(const SharedBytes& frame, std::uint32_t index) {
+  DVDifSequence sequence(frame, index);
+  sequence.decodeSequenceBasics();
+  sequence.decodeVauxSection();
+  return sequence.aspectRatio();
+}
+
+/// The record of the frame that `sparse` has begun. VAUX blocks are read of the one sequence only whose aspect ratio
+/// counts.
 Status describe(SparseFrame& sparse, FrameRecord& record) {
   Status status;
-  const auto need = [&sparse, &status](std::uint32_t sequence) {
+  std::uint32_t last = 0;
+  const auto need = [&](std::uint32_t sequence) {
+    last = sequence;
     if (Status read = sparse.needSequence(sequence); !read.ok()) status = read;
   };
   const RecordingDateScan scan = scanRecordingDate(sparse.bytes(), nullptr, need);
+  record.recordingDate = scan.date;
+  // A sequence that ran out of range was not decoded; the one before it counts.
+  const bool anyDecoded = !scan.outOfRange || last > 0;
+  if (anyDecoded) {
+    const std::uint32_t decoded = scan.outOfRange ? last - 1 : last;
+    if (Status read = sparse.needVaux(decoded); !read.ok()) status = read;
+    record.aspectRatio = aspectRatioOf(sparse.bytes(), decoded);
+  }
   const std::optional<SubcodeTimecode> timecode = firstTimecode(sparse.bytes(), need);
   if (timecode) record.timecode = timecode->time;
-  record.recordingDate = scan.date;
-  record.aspectRatio = scan.aspectRatio;
   record.facts = factsOf(record.frame, timecode.has_value(), scan, sparse.bytes());
   return status;
 }

@@ -39,7 +39,8 @@ struct DeckOptions {
   DeckFaults faults;
   /// Draws the faults; the same seed gives the same ones.
   std::uint64_t seed = 1;
-  /// As a camcorder: it plays on while nobody takes its frames. A tape image by itself waits.
+  /// As a camcorder: it plays on while the delivery of its frames is held up, and loses those that pass meanwhile. A
+  /// tape image by itself waits.
   bool live = false;
 };
 

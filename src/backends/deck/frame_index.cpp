@@ -58,11 +58,28 @@ bool hasHeaderAt(const TapeFile& file, std::uint64_t offset) {
   return readHeader(file, offset, header) && looksLikeFrameHeader(header);
 }
 
-/// The system of the first frame: its header's, or, where damaged frames lead in, that of the distance to the first
+/// The system that the headers of the frame's later sequences name, by majority; nothing when they name none.
+std::optional<DVSystem> systemOfLaterSequences(const TapeFile& file, std::uint64_t offset) {
+  int votes625 = 0;
+  int votes525 = 0;
+  for (std::uint64_t sequence = 1; sequence < DIF_SEQ_COUNT_MIN; ++sequence) {
+    Header header{};
+    if (!readHeader(file, offset + sequence * SEQUENCE_SIZE, header)) break;
+    if (header[1] >> 4 != sequence) continue;
+    header[1] &= 0x0F;
+    if (looksLikeFrameHeader(header)) ++(systemOfHeader(header) == DVSystem::pal625_50 ? votes625 : votes525);
+  }
+  if (votes625 == votes525) return std::nullopt;
+  return votes625 > votes525 ? DVSystem::pal625_50 : DVSystem::ntsc525_60;
+}
+
+/// The system of the first frame: that of its headers, or, where damaged frames lead in, that of the distance to the first
 /// good one.
 std::optional<DVSystem> systemOfFirstFrame(const TapeFile& file) {
   Header header{};
-  if (readHeader(file, 0, header) && looksLikeFrameHeader(header)) return systemOfHeader(header);
+  if (readHeader(file, 0, header) && looksLikeFrameHeader(header)) {
+    return systemOfLaterSequences(file, 0).value_or(systemOfHeader(header));
+  }
   for (std::uint64_t count = 1; count <= kLeadingFrames; ++count) {
     for (const DVSystem system : {DVSystem::ntsc525_60, DVSystem::pal625_50}) {
       const std::uint64_t offset = count * frameSizeOf(system);
@@ -97,22 +114,29 @@ FrameIndex::FrameIndex(std::shared_ptr<TapeFile> file, DVSystem firstSystem)
 
 // A frame says its own system in its header. Where the header is damaged (a zero-filled frame, a flipped system bit)
 // the frame after it decides: the size that leads to a good header is the right one, and the system of the frame before
-// is tried first.
+// is tried first. Where the frame after it is damaged as well, or the file ends, the headers of its own later sequences
+// have a say: a frame that was cut off 24000 bytes before its end is as long as a whole one of the other system.
 Expected<std::optional<FrameLocation>> FrameIndex::frameAt(std::uint64_t offset, std::int64_t frame,
                                                            DVSystem before) const {
   if (offset + FRAME_SIZE_525_60 > file_->size()) return std::optional<FrameLocation>{};
   Header header{};
   if (Status status = file_->read(header, offset); !status.ok()) return status.error();
-  DVSystem system = looksLikeFrameHeader(header) ? systemOfHeader(header) : before;
-  const std::uint64_t next = offset + frameSizeOf(system);
-  const std::uint64_t otherNext = offset + frameSizeOf(otherSystem(system));
-  if (next != file_->size() && !hasHeaderAt(*file_, next) &&
-      (otherNext == file_->size() || hasHeaderAt(*file_, otherNext))) {
-    system = otherSystem(system);
-  }
+  const bool hasHeader = looksLikeFrameHeader(header);
+  const DVSystem system = systemByWhatFollows(offset, hasHeader ? systemOfHeader(header) : before, before, hasHeader);
   const FrameLocation location{frame, offset, system};
   if (location.end() > file_->size()) return std::optional<FrameLocation>{};
   return std::optional<FrameLocation>{location};
+}
+
+DVSystem FrameIndex::systemByWhatFollows(std::uint64_t offset, DVSystem likely, DVSystem before, bool hasHeader) const {
+  const DVSystem other = otherSystem(likely);
+  const std::uint64_t next = offset + frameSizeOf(likely);
+  const std::uint64_t otherNext = offset + frameSizeOf(other);
+  if (next == file_->size() || hasHeaderAt(*file_, next)) return likely;
+  if (hasHeaderAt(*file_, otherNext)) return other;
+  const bool otherEndsTheFile = otherNext == file_->size();
+  if (likely == before && !otherEndsTheFile) return likely;
+  return systemOfLaterSequences(*file_, offset).value_or(otherEndsTheFile && !hasHeader ? other : likely);
 }
 
 Expected<std::optional<FrameLocation>> FrameIndex::following(const FrameLocation& last) const {

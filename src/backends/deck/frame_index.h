@@ -43,6 +43,7 @@ class FrameIndex {
 
   FrameIndex(std::shared_ptr<TapeFile> file, DVSystem firstSystem);
   Expected<std::optional<FrameLocation>> frameAt(std::uint64_t offset, std::int64_t frame, DVSystem before) const;
+  DVSystem systemByWhatFollows(std::uint64_t offset, DVSystem likely, DVSystem before, bool hasHeader) const;
   void append(const FrameLocation& location);
   FrameLocation lastKnown() const;
 

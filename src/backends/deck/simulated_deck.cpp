@@ -16,6 +16,9 @@ namespace {
 
 constexpr AVCTransportControls kStopped{0, 0};
 
+// How long the delivery of frames may be held up before the tape waits, or, in a live deck, frames are lost.
+constexpr Duration kPatience = std::chrono::seconds(1);
+
 QTFormatDescription formatOf(DVSystem system) {
   const auto code = system == DVSystem::pal625_50 ? platform::fourCharCode("dvcp") : platform::fourCharCode("dvc ");
   return {platform::QTMediaTypeVideo, code};
@@ -105,7 +108,7 @@ void SimulatedDeck::setAVCTransportControls(const AVCTransportControls& controls
     commands_.clear();
     apply(controls);
   }
-  publishStatus();
+  announceChanges();
 }
 
 Duration SimulatedDeck::reactionTo(const AVCTransportControls& controls) const {
@@ -117,11 +120,28 @@ Duration SimulatedDeck::reactionTo(const AVCTransportControls& controls) const {
   return reaction;
 }
 
+// A tape that moves already keeps its ticks, so that no sequence of commands makes it pass faster than its speed.
 void SimulatedDeck::apply(const AVCTransportControls& controls) {
-  motion_.setControls(controls);
-  tickAnchor_ = runtime_.clock().now();
-  ticksSinceAnchor_ = 0;
+  const bool wasTicking = isTicking();
+  changeControls(controls);
+  if (!wasTicking) {
+    tickAnchor_ = runtime_.clock().now();
+    ticksSinceAnchor_ = 0;
+  }
   changed_->notifyAll();
+}
+
+void SimulatedDeck::changeControls(const AVCTransportControls& controls) {
+  motion_.setControls(controls);
+  unannounced_.push_back(controls);
+}
+
+bool SimulatedDeck::isTicking() const {
+  return (motion_.isMoving() || motion_.isPaused()) && !cableLost_;
+}
+
+TimePoint SimulatedDeck::nextTick() const {
+  return tickAnchor_ + tickTime(tickSystem_, ticksSinceAnchor_);
 }
 
 void SimulatedDeck::startStreaming(platform::FrameSink& sink) {
@@ -144,8 +164,7 @@ void SimulatedDeck::run() {
   mutex_->lock();
   while (!quit_) {
     obeyDueCommands();
-    const bool ticking = (motion_.isMoving() || motion_.isPaused()) && !cableLost_;
-    if (ticking && runtime_.clock().now() >= tickAnchor_ + tickTime(tickSystem_, ticksSinceAnchor_)) {
+    if (isTicking() && runtime_.clock().now() >= nextTick()) {
       playTick();
     } else {
       waitForSomethingToDo();
@@ -160,16 +179,14 @@ void SimulatedDeck::obeyDueCommands() {
     commands_.pop_front();
     apply(command.controls);
     mutex_->unlock();
-    publishStatus();
+    announceChanges();
     mutex_->lock();
   }
 }
 
 void SimulatedDeck::waitForSomethingToDo() {
   std::optional<TimePoint> deadline;
-  if ((motion_.isMoving() || motion_.isPaused()) && !cableLost_) {
-    deadline = tickAnchor_ + tickTime(tickSystem_, ticksSinceAnchor_);
-  }
+  if (isTicking()) deadline = nextTick();
   if (!commands_.empty() && (!deadline || commands_.front().effective < *deadline)) {
     deadline = commands_.front().effective;
   }
@@ -192,17 +209,17 @@ void SimulatedDeck::playTick() {
     return stopAtEndOfTape(end);
   }
   if (motion_.isMoving()) motion_.tick();
-  scheduleNextTick(location.value()->system);
-  if (motion_.showsPicture()) deliver(*location.value());
+  const bool heldUp = runtime_.clock().now() - nextTick() > kPatience;
+  scheduleNextTick(location.value()->system, heldUp);
+  const bool missed = heldUp && options_.live;
+  if (motion_.showsPicture() && !missed) deliver(*location.value());
 }
 
-void SimulatedDeck::scheduleNextTick(DVSystem system) {
-  const TimePoint now = runtime_.clock().now();
-  TimePoint due = tickAnchor_ + tickTime(tickSystem_, ticksSinceAnchor_);
-  // Whoever held the tape up made it wait; it does not catch up what it stood still.
-  const bool heldUp = now - due > std::chrono::seconds(1);
-  if (heldUp) due = now;
-  if (heldUp || system != tickSystem_) {
+// Whoever held a tape image up made it wait: it does not catch up what it stood still. A live deck went on.
+void SimulatedDeck::scheduleNextTick(DVSystem system, bool heldUp) {
+  const bool waited = heldUp && !options_.live;
+  const TimePoint due = waited ? runtime_.clock().now() : nextTick();
+  if (waited || system != tickSystem_) {
     tickAnchor_ = due;
     ticksSinceAnchor_ = 0;
     tickSystem_ = system;
@@ -236,46 +253,62 @@ void SimulatedDeck::sendToSink(const QTFormatDescription& format, const SharedBy
 
 void SimulatedDeck::stopAtEndOfTape(std::int64_t frame) {
   motion_.stopAt(frame);
+  unannounced_.push_back(kStopped);
   commands_.clear();
   mutex_->unlock();
-  publishStatus();
+  announceChanges();
   mutex_->lock();
 }
 
 void SimulatedDeck::fail(const Error& error) {
-  motion_.setControls(kStopped);
-  log_.write(LogLevel::error, error.text());
+  changeControls(kStopped);
   platform::FrameSink* sink = sink_;
+  log_.write(sink != nullptr ? LogLevel::info : LogLevel::error, error.text());
   delivering_ = sink != nullptr;
   mutex_->unlock();
   if (sink != nullptr) sink->deliveryFailed(error);
-  publishStatus();
+  announceChanges();
   mutex_->lock();
   delivering_ = false;
   changed_->notifyAll();
 }
 
-// The attribute changes on the main thread, between its two notifications.
-void SimulatedDeck::publishStatus() {
-  AVCTransportControls controls;
-  {
-    const std::lock_guard guard(*mutex_);
-    controls = motion_.controls();
-  }
+// The attribute changes on the main thread, between its two notifications, in the order in which the transport did: a
+// command that takes effect there at once does not overtake what the delivery thread has posted.
+void SimulatedDeck::announceChanges() {
   platform::MainLoop& loop = runtime_.mainLoop();
-  if (loop.isCurrent() && options_.faults.lateStatus.count() == 0) return announce(controls);
-  const std::weak_ptr<SimulatedDeck*> alive = alive_;
-  auto task = [alive, controls] {
-    if (const auto self = alive.lock()) (*self)->announce(controls);
+  const Duration delay = options_.faults.lateStatus;
+  const bool late = delay.count() > 0;
+  if (loop.isCurrent() && !late) return announceAll();
+  auto task = [alive = std::weak_ptr(alive_), late] {
+    const auto self = alive.lock();
+    if (self == nullptr) return;
+    late ? static_cast<void>((*self)->announceNext()) : (*self)->announceAll();
   };
-  if (options_.faults.lateStatus.count() == 0) {
-    loop.post(std::move(task));
+  if (late) {
+    loop.post([&loop, delay, task = std::move(task)] { loop.startTimer(delay, task); });
   } else {
-    loop.post([&loop, delay = options_.faults.lateStatus, task = std::move(task)] { loop.startTimer(delay, task); });
+    loop.post(std::move(task));
   }
 }
 
-void SimulatedDeck::announce(const AVCTransportControls& controls) {
+// Whoever hears of a change may command the next one, which is announced after this one, not in the middle of it.
+void SimulatedDeck::announceAll() {
+  if (announcing_) return;
+  announcing_ = true;
+  while (announceNext()) {
+  }
+  announcing_ = false;
+}
+
+bool SimulatedDeck::announceNext() {
+  AVCTransportControls controls;
+  {
+    const std::lock_guard guard(*mutex_);
+    if (unannounced_.empty()) return false;
+    controls = unannounced_.front();
+    unannounced_.pop_front();
+  }
   const char* attribute = platform::QTCaptureDeviceAVCTransportControlsAttribute;
   center_.post({platform::QTCaptureDeviceAttributeWillChangeNotification, this, attribute});
   {
@@ -283,6 +316,7 @@ void SimulatedDeck::announce(const AVCTransportControls& controls) {
     status_ = controls;
   }
   center_.post({platform::QTCaptureDeviceAttributeDidChangeNotification, this, attribute});
+  return true;
 }
 
 }  // namespace zq::backend

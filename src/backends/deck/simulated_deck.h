@@ -47,15 +47,19 @@ class SimulatedDeck : public platform::QTCaptureDevice {
   void obeyDueCommands();
   platform::Duration reactionTo(const platform::AVCTransportControls& controls) const;
   void apply(const platform::AVCTransportControls& controls);
+  void changeControls(const platform::AVCTransportControls& controls);
+  bool isTicking() const;
+  platform::TimePoint nextTick() const;
   void waitForSomethingToDo();
   void playTick();
   void deliver(const FrameLocation& location);
   void sendToSink(const platform::QTFormatDescription& format, const SharedBytes& bytes);
-  void scheduleNextTick(DVSystem system);
+  void scheduleNextTick(DVSystem system, bool heldUp);
   void stopAtEndOfTape(std::int64_t frame);
   void fail(const Error& error);
-  void publishStatus();
-  void announce(const platform::AVCTransportControls& controls);
+  void announceChanges();
+  void announceAll();
+  bool announceNext();
 
   // Constant after construction.
   platform::Runtime& runtime_;
@@ -69,17 +73,21 @@ class SimulatedDeck : public platform::QTCaptureDevice {
   // Guarded by mutex_.
   TapeMotion motion_;
   std::deque<Command> commands_;
-  platform::AVCTransportControls status_;  // what the attribute says, which may lag behind motion_
+  platform::AVCTransportControls status_;                   // what the attribute says, which may lag behind motion_
+  std::deque<platform::AVCTransportControls> unannounced_;  // what it will say, one after the other
   platform::FrameSink* sink_ = nullptr;
   bool delivering_ = false;
   bool open_ = false;
   bool cableLost_ = false;
   bool quit_ = false;
   std::mt19937_64 commandFaults_;
-  // The ticks since the speed or the system last changed, so that their times never drift.
+  // The ticks since the tape began to tick or its system changed, so that their times never drift.
   platform::TimePoint tickAnchor_;
   std::int64_t ticksSinceAnchor_ = 0;
   DVSystem tickSystem_;
+
+  // Main thread only.
+  bool announcing_ = false;
 
   // Delivery thread only.
   FrameFaults frameFaults_;

@@ -1,5 +1,6 @@
 #pragma once
-// A frame of a tape file of which only the few blocks are read that say what it is: the first six of a sequence.
+// A frame of a tape file of which only the few blocks are read that say what it is: the first six of a sequence at
+// most.
 
 #include <cstdint>
 #include <memory>
@@ -17,21 +18,29 @@ class SparseFrame {
  public:
   explicit SparseFrame(const TapeFile& file);
 
-  /// Begins with another frame: reads its first sequence's blocks and forgets the others.
+  /// Begins with another frame: reads what its first sequence has and forgets the others.
   Status begin(std::uint64_t offset, DVSystem system);
-  /// Reads the blocks of sequence `index`, and those of the sequence that its header names, unless they are there.
+  /// Reads header and subcode of sequence `index`, and those of the sequence that its header names, unless they are
+  /// there.
   Status needSequence(std::uint32_t index);
+  /// Reads the VAUX blocks of sequence `index` likewise.
+  Status needVaux(std::uint32_t index);
   /// As large as the frame. What was not asked for holds what an earlier frame left there.
   const SharedBytes& bytes() const { return view_; }
 
  private:
   Status load(std::uint32_t index);
+  Status loadVaux(std::uint32_t index);
+  Status read(std::size_t start, std::size_t length);
+  std::uint32_t namedBy(std::uint32_t index) const;
 
   const TapeFile& file_;
   const std::shared_ptr<std::vector<std::uint8_t>> buffer_;
   std::uint64_t offset_ = 0;
   std::uint32_t sequences_ = 0;
-  std::uint32_t loaded_ = 0;  // a bit for each sequence
+  std::uint32_t loaded_ = 0;      // a bit for each sequence
+  std::uint32_t vauxLoaded_ = 0;  // likewise
+  std::uint32_t likelyVaux_ = 0;  // the sequence whose VAUX the last frame needed
   SharedBytes view_;
 };
 

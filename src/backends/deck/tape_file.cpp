@@ -66,11 +66,4 @@ Status TapeFile::read(std::span<std::uint8_t> destination, std::uint64_t offset)
   return {};
 }
 
-Status TapeFile::checkSize() const {
-  struct stat info {};
-  if (::fstat(descriptor_, &info) != 0) return Error{"Cannot read the tape image " + path_, std::strerror(errno)};
-  if (static_cast<std::uint64_t>(info.st_size) < size_) return shrunk();
-  return {};
-}
-
 }  // namespace zq::backend

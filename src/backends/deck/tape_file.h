@@ -21,12 +21,9 @@ class TapeFile {
   const std::string& path() const { return path_; }
   /// Bytes, as found when it was opened.
   std::uint64_t size() const { return size_; }
-  int descriptor() const { return descriptor_; }
 
   /// Fills `destination` from `offset` on. Fails when the file cannot be read there or has become shorter.
   Status read(std::span<std::uint8_t> destination, std::uint64_t offset) const;
-  /// Whether the file still has all the bytes that it had.
-  Status checkSize() const;
 
  private:
   TapeFile(std::string path, int descriptor, std::uint64_t size);

@@ -1,15 +1,8 @@
 #include "backends/deck/tape_image.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace zq::backend {
-namespace {
-
-// Small, so that what is mapped stays within the frames that are under way; large enough to map seldom.
-constexpr std::uint64_t kWindowBytes = 8 * 1024 * 1024;
-
-}  // namespace
 
 Expected<std::shared_ptr<TapeImage>> TapeImage::open(const std::string& path) {
   auto file = TapeFile::open(path);
@@ -28,20 +21,8 @@ TapeImage::TapeImage(std::shared_ptr<TapeFile> file, FrameIndex index, DVSystem 
     : file_(std::move(file)), system_(system), index_(std::move(index)) {}
 
 Expected<SharedBytes> TapeImage::frameBytes(const FrameLocation& location) {
-  if (Status status = file_->checkSize(); !status.ok()) return status.error();
-  if (damaged()) {
-    return Error{
-        "A part of the tape image " + path() + " could not be read",
-        "The file was cut while it played, or its disk has an error; frames before this one may be incomplete."};
-  }
-  const std::size_t length = frameSizeOf(location.system);
-  if (!window_ || !window_->covers(location.offset, length)) {
-    const std::uint64_t wanted = std::min(kWindowBytes, file_->size() - location.offset);
-    auto window = MappedWindow::map(file_->descriptor(), location.offset, static_cast<std::size_t>(wanted), damaged_);
-    if (!window.ok()) return window.error();
-    window_ = window.value();
-  }
-  return SharedBytes(window_, window_->bytes(location.offset, length));
+  return pool_.take(frameSizeOf(location.system),
+                    [&](std::span<std::uint8_t> bytes) { return file_->read(bytes, location.offset); });
 }
 
 Expected<std::uint64_t> TapeImage::trailingBytes() {

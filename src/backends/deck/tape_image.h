@@ -1,5 +1,5 @@
 #pragma once
-// A tape image as the deck plays it: frames that are views into the mapped file, however long it is.
+// A tape image as the deck plays it: frame by frame, however long it is.
 
 #include <cstdint>
 #include <memory>
@@ -7,7 +7,7 @@
 #include <string>
 
 #include "backends/deck/frame_index.h"
-#include "backends/deck/mapped_window.h"
+#include "backends/deck/frame_pool.h"
 #include "backends/deck/tape_file.h"
 #include "base/shared_bytes.h"
 #include "base/status.h"
@@ -24,10 +24,8 @@ class TapeImage {
   DVSystem system() const { return system_; }
   /// Where frame `frame` lies; nothing past the last whole one.
   Expected<std::optional<FrameLocation>> locate(std::int64_t frame) { return index_.locate(frame); }
-  /// The frame's bytes, without a copy. An error when the file shrank or cannot be read.
+  /// The frame's bytes. An error when the file shrank or cannot be read.
   Expected<SharedBytes> frameBytes(const FrameLocation& location);
-  /// Whether frames handed out before may hold zeros where the file could not be read. From any thread.
-  bool damaged() const { return *damaged_; }
   /// Bytes after the last whole frame; walks the index to the end.
   Expected<std::uint64_t> trailingBytes();
 
@@ -37,10 +35,9 @@ class TapeImage {
   // Constant after construction.
   const std::shared_ptr<TapeFile> file_;
   const DVSystem system_;
-  const MappedWindow::DamageFlag damaged_ = std::make_shared<std::atomic<bool>>(false);
 
   FrameIndex index_;
-  std::shared_ptr<const MappedWindow> window_;
+  FramePool pool_;
   std::int64_t lastLocated_ = 0;
 };
 

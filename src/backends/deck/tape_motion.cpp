@@ -43,14 +43,18 @@ std::optional<std::int64_t> TapeMotion::frameUnderHead() const {
   return (milliposition_ - 1) / 1000;
 }
 
+// A tape that is paused after it played keeps the frame that it showed; after it wound it shows the one that it came
+// to.
 void TapeMotion::tick() {
   if (const std::optional<std::int64_t> frame = frameUnderHead()) shown_ = *frame;
   milliposition_ = std::max<std::int64_t>(0, milliposition_ + millispeed_);
+  if (!showsPicture()) shown_ = milliposition_ / 1000;
 }
 
 void TapeMotion::stopAt(std::int64_t frame) {
   setControls({0, 0});
   milliposition_ = frame * 1000;
+  shown_ = std::max<std::int64_t>(0, frame - 1);
 }
 
 }  // namespace zq::backend

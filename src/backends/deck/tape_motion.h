@@ -29,7 +29,7 @@ class TapeMotion {
   std::optional<std::int64_t> frameUnderHead() const;
   /// One tick of the frame rate has passed.
   void tick();
-  /// The tape has run against one of its ends: it stops there.
+  /// The tape has run against one of its ends, before this frame: it stops there.
   void stopAt(std::int64_t frame);
 
  private:

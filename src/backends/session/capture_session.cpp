@@ -13,10 +13,12 @@ using platform::QTCaptureOutput;
 CaptureSession::CaptureSession(platform::Runtime& runtime, std::function<void(const Error&)> failed)
     : runtime_(runtime), failed_(std::move(failed)), mutex_(runtime.makeMutex("capture session")) {}
 
+// A device that was removed a moment ago may still deliver.
 CaptureSession::~CaptureSession() {
-  if (!input_) return;
-  input_->device()->stopStreaming();
-  input_->device()->waitForDelivery();
+  if (input_) removeInput(input_);
+  for (const auto& removed : removed_) {
+    if (const auto device = removed.lock()) device->waitForDelivery();
+  }
 }
 
 Status CaptureSession::addInput(std::shared_ptr<QTCaptureDeviceInput> input) {
@@ -34,6 +36,7 @@ void CaptureSession::removeInput(const std::shared_ptr<QTCaptureDeviceInput>& in
   const std::lock_guard guard(*mutex_);
   if (input_ != input) return;
   connectDevice(false);
+  removed_.push_back(input_->device());
   input_.reset();
 }
 

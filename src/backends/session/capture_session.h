@@ -38,6 +38,7 @@ class CaptureSession : public platform::QTCaptureSession, public platform::Frame
 
   // Guarded by mutex_.
   std::shared_ptr<platform::QTCaptureDeviceInput> input_;
+  std::vector<std::weak_ptr<platform::QTCaptureDevice>> removed_;
   std::vector<std::shared_ptr<platform::QTCaptureOutput>> outputs_;
   bool running_ = false;
 

@@ -76,17 +76,18 @@ void MovieFileOutput::tellDelegate(const QTSampleBuffer& frame) {
 // A file holds frames of one system. When nobody asked for another file by now, the clip goes on in one beside it, so
 // that nothing of the tape is left out.
 void MovieFileOutput::writeIfRecording(const QTSampleBuffer& frame, bool sourceCanWait) {
-  {
-    const std::lock_guard guard(*mutex_);
-    if (!path_) return;
-    if (fileFrameSize_ != 0 && fileFrameSize_ != frame.lengthForAllSamples()) {
-      ++continuations_;
-      recorder_.close();
-      recorder_.open(continuationPath(*path_, continuations_ + 1));
-    }
-    fileFrameSize_ = frame.lengthForAllSamples();
+  // Waits before it asks for the file, which may be another one after the wait, and without the mutex, so that whoever
+  // changes the file does not wait for the disk.
+  if (sourceCanWait && outputFileURL()) recorder_.waitForSpace();
+  const std::lock_guard guard(*mutex_);
+  if (!path_) return;
+  if (fileFrameSize_ != 0 && fileFrameSize_ != frame.lengthForAllSamples()) {
+    ++continuations_;
+    recorder_.close();
+    recorder_.open(continuationPath(*path_, continuations_ + 1));
   }
-  recorder_.push(frame, sourceCanWait);
+  fileFrameSize_ = frame.lengthForAllSamples();
+  recorder_.push(frame);
 }
 
 }  // namespace zq::backend

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <mutex>
 #include <utility>
 
@@ -14,7 +15,7 @@ using platform::QTSampleBuffer;
 namespace {
 
 // The writer is woken for this many frames at a time: waking it for each costs more than writing one.
-constexpr std::size_t kBatchFrames = 8;
+constexpr std::size_t kBatchItems = 8;
 
 }  // namespace
 
@@ -24,7 +25,8 @@ MovieRecorder::MovieRecorder(platform::Runtime& runtime, platform::MovieWriterFa
       writers_(writers),
       log_(log),
       observer_(std::move(observer)),
-      queueFrames_(queueFrames),
+      queueFrames_(std::max<std::size_t>(1, queueFrames)),
+      batchItems_(std::clamp<std::size_t>(queueFrames_ / 2, 1, kBatchItems)),
       mutex_(runtime.makeMutex("movie queue")),
       workArrived_(runtime.makeCondition("movie queue: frames to write")),
       spaceArrived_(runtime.makeCondition("movie queue: space for a frame")) {
@@ -43,37 +45,40 @@ void MovieRecorder::finish() {
 }
 
 void MovieRecorder::open(const std::string& path) {
-  queueChange({Item::Kind::open, {}, path});
+  queueChange({Item::Kind::open, {}, path, 0});
 }
 
 void MovieRecorder::close() {
-  queueChange({Item::Kind::close, {}, {}});
+  queueChange({Item::Kind::close, {}, {}, 0});
 }
 
 // Changes of file are never dropped, and they are done at once: somebody waits for the file that they end.
 void MovieRecorder::queueChange(Item item) {
   const std::lock_guard guard(*mutex_);
+  item.droppedBefore = std::exchange(droppedSinceChange_, 0);
   queue_.push_back(std::move(item));
   urgent_ = true;
   workArrived_->notifyAll();
 }
 
-void MovieRecorder::push(const QTSampleBuffer& frame, bool mayWait) {
+void MovieRecorder::waitForSpace() {
   const std::lock_guard guard(*mutex_);
-  while (mayWait && queue_.size() >= queueFrames_) {
-    workArrived_->notifyAll();
-    spaceArrived_->wait(*mutex_);
-  }
-  if (queue_.size() >= queueFrames_) {
+  while (!quit_ && heldFrames_ >= queueFrames_) spaceArrived_->wait(*mutex_);
+}
+
+void MovieRecorder::push(const QTSampleBuffer& frame) {
+  const std::lock_guard guard(*mutex_);
+  if (heldFrames_ >= queueFrames_) {
     ++dropped_;
-    ++droppedFromFile_;
+    ++droppedSinceChange_;
     log_.write(LogLevel::warning,
                fmt::format("Frame {} dropped: the disk does not keep up",
                            frame.smpteTime ? timecodeText(*frame.smpteTime) : std::string("without a timecode")));
     return;
   }
-  queue_.push_back({Item::Kind::frame, frame, {}});
-  if (queue_.size() >= kBatchFrames) workArrived_->notifyAll();
+  ++heldFrames_;
+  queue_.push_back({Item::Kind::frame, frame, {}, 0});
+  if (queue_.size() >= batchItems_) workArrived_->notifyAll();
 }
 
 std::int64_t MovieRecorder::recordedFrames() const {
@@ -90,31 +95,40 @@ void MovieRecorder::run() {
   std::vector<Item> batch;
   while (takeBatch(batch)) {
     for (const Item& item : batch) write(item);
-    batch.clear();
   }
-  finishFile();
+  finishFile(takeDropped());
 }
 
-bool MovieRecorder::takeBatch(std::vector<Item>& batch) {
+std::int64_t MovieRecorder::takeDropped() {
   const std::lock_guard guard(*mutex_);
-  while (!quit_ && !urgent_ && queue_.size() < std::min(kBatchFrames, queueFrames_)) workArrived_->wait(*mutex_);
-  const std::size_t count = std::min(queue_.size(), kBatchFrames);
+  return std::exchange(droppedSinceChange_, 0);
+}
+
+// Replaces the batch that has been written, whose frames are held no more, by the next one.
+bool MovieRecorder::takeBatch(std::vector<Item>& batch) {
+  const auto written =
+      std::count_if(batch.begin(), batch.end(), [](const Item& i) { return i.kind == Item::Kind::frame; });
+  batch.clear();
+  const std::lock_guard guard(*mutex_);
+  heldFrames_ -= static_cast<std::size_t>(written);
+  spaceArrived_->notifyAll();
+  while (!quit_ && !urgent_ && queue_.size() < batchItems_) workArrived_->wait(*mutex_);
+  const std::size_t count = std::min(queue_.size(), batchItems_);
   for (std::size_t i = 0; i < count; ++i) {
     batch.push_back(std::move(queue_.front()));
     queue_.pop_front();
   }
   if (queue_.empty()) urgent_ = false;
-  spaceArrived_->notifyAll();
   return !batch.empty();
 }
 
 void MovieRecorder::write(const Item& item) {
   switch (item.kind) {
     case Item::Kind::open:
-      finishFile();
+      finishFile(item.droppedBefore);
       return startFile(item.path);
     case Item::Kind::close:
-      return finishFile();
+      return finishFile(item.droppedBefore);
     case Item::Kind::frame:
       return appendFrame(item.frame);
   }
@@ -147,23 +161,20 @@ void MovieRecorder::appendFrame(const QTSampleBuffer& frame) {
 
 void MovieRecorder::fail(const Error& error) {
   file_->error = error;
-  log_.write(LogLevel::error, error.text());
+  log_.write(observer_.failed ? LogLevel::info : LogLevel::error, error.text());
   if (observer_.failed) {
     runtime_.mainLoop().post([failed = observer_.failed, path = file_->path, error] { failed(path, error); });
   }
 }
 
-void MovieRecorder::finishFile() {
+void MovieRecorder::finishFile(std::int64_t droppedFromQueue) {
   if (!file_) return;
   if (writer_) {
     Status status = writer_->finish();
     if (!status.ok() && !file_->error) fail(status.error());
     writer_.reset();
   }
-  {
-    const std::lock_guard guard(*mutex_);
-    file_->dropped += std::exchange(droppedFromFile_, 0);
-  }
+  file_->dropped += droppedFromQueue;
   if (observer_.finished) {
     runtime_.mainLoop().post([finished = observer_.finished, file = *file_] { finished(file); });
   }

@@ -33,6 +33,7 @@ struct RecorderObserver {
 
 class MovieRecorder {
  public:
+  /// Holds `queueFrames` frames at most, those that are being written among them.
   MovieRecorder(platform::Runtime& runtime, platform::MovieWriterFactory& writers, Log& log, RecorderObserver observer,
                 std::size_t queueFrames);
   ~MovieRecorder() { finish(); }
@@ -44,8 +45,10 @@ class MovieRecorder {
   /// What is pushed from now on goes to this file.
   void open(const std::string& path);
   void close();
-  /// Queues one frame. When the queue is full it waits if `mayWait`, else drops the frame, which is counted and logged.
-  void push(const platform::QTSampleBuffer& frame, bool mayWait);
+  /// Returns when push() will not drop the next frame of the calling thread, the only one that pushes.
+  void waitForSpace();
+  /// Queues one frame. When the queue is full the frame is dropped, which is counted and logged. Never waits.
+  void push(const platform::QTSampleBuffer& frame);
   std::int64_t recordedFrames() const;
   std::int64_t droppedFrames() const;
 
@@ -55,15 +58,17 @@ class MovieRecorder {
     enum class Kind { frame, open, close } kind;
     platform::QTSampleBuffer frame;
     std::string path;
+    std::int64_t droppedBefore = 0;  // frames of the file that the change ends
   };
 
   void queueChange(Item item);
   void run();
   bool takeBatch(std::vector<Item>& batch);
+  std::int64_t takeDropped();
   void write(const Item& item);
   void startFile(const std::string& path);
   void appendFrame(const platform::QTSampleBuffer& frame);
-  void finishFile();
+  void finishFile(std::int64_t droppedFromQueue);
   void fail(const Error& error);
 
   // Constant after construction.
@@ -72,17 +77,19 @@ class MovieRecorder {
   Log& log_;
   const RecorderObserver observer_;
   const std::size_t queueFrames_;
+  const std::size_t batchItems_;
   const std::unique_ptr<platform::Mutex> mutex_;
   const std::unique_ptr<platform::Condition> workArrived_;
   const std::unique_ptr<platform::Condition> spaceArrived_;
 
   // Guarded by mutex_.
   std::deque<Item> queue_;
+  std::size_t heldFrames_ = 0;  // in the queue or being written
   bool urgent_ = false;
   bool quit_ = false;
   std::int64_t recorded_ = 0;
   std::int64_t dropped_ = 0;
-  std::int64_t droppedFromFile_ = 0;
+  std::int64_t droppedSinceChange_ = 0;  // since the last change of file was queued
 
   // Writer thread only.
   std::unique_ptr<platform::MovieWriter> writer_;

@@ -20,6 +20,11 @@ std::int64_t dropFrameCount(const SMPTETime& time) {
   return plainCount(time, TIMEBASE_525_60) - 2 * (minutes - minutes / 10);
 }
 
+// The numbers that drop-frame counting leaves out.
+bool isDropped(const SMPTETime& time) {
+  return time.mFrames < 2 && time.mSeconds == 0 && time.mMinutes % 10 != 0;
+}
+
 }  // namespace
 
 bool timecodeFollows(const SMPTETime& earlier, const SMPTETime& later, std::int64_t frames) {
@@ -27,7 +32,8 @@ bool timecodeFollows(const SMPTETime& earlier, const SMPTETime& later, std::int6
   const bool is625 = later.mType == 1;
   const std::int64_t timebase = is625 ? TIMEBASE_625_50 : TIMEBASE_525_60;
   if (plainCount(later, timebase) - plainCount(earlier, timebase) == frames) return true;
-  return !is625 && dropFrameCount(later) - dropFrameCount(earlier) == frames;
+  if (is625 || isDropped(earlier) || isDropped(later)) return false;
+  return dropFrameCount(later) - dropFrameCount(earlier) == frames;
 }
 
 QTSampleBuffer SampleAttributes::next(const platform::QTFormatDescription& format, const SharedBytes& frame) {
@@ -40,6 +46,8 @@ QTSampleBuffer SampleAttributes::next(const platform::QTFormatDescription& forma
   }
   ++framesSinceKnown_;
   buffer.sceneChangeType = sceneChange(frame.size(), buffer);
+  // Across a change of system no timecode follows another, which the change itself says.
+  if (buffer.sceneChangeType == SceneChangeType::explicitChange) knownTimecode_ = nullptr;
   previousSize_ = frame.size();
   if (buffer.smpteTime) {
     knownTimecode_ = buffer.smpteTime;
