@@ -89,13 +89,15 @@ void ZQACController::observe() {
                      [this](const std::string&) { observeValueForKeyPath(); }));
 }
 
-// The outputs forget the controller first, which waits for a frame that is under way.
+// The outputs forget the controller first, which waits for a frame that is under way. The device then has to be through
+// with the session, which goes with the controller.
 ZQACController::~ZQACController() {
-  alive_.reset();
   observations_.clear();
   session_->stopRunning();
   fileOutput_->setDelegate(nullptr);
   movieFileOutput_->setDelegate(nullptr);
+  alive_.reset();
+  if (const auto device = selectedVideoDevice()) device->waitForDelivery();
   devices_.release();
   endOfTapeTimer_.cancel();
   if (outlets_.captureView != nullptr) {

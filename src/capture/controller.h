@@ -76,7 +76,7 @@ class ZQACController : public platform::QTCaptureOutputDelegate {
   void deviceAttributeWillChange(const platform::Notification& notification);
   void deviceAttributeDidChange(const platform::Notification& notification);
   /// "devicePlaying", "deviceFastForwarding", "deviceRewinding", "selectedVideoDevice" and the keys that follow it,
-  /// "videoCompressionOptions", "recording", "processNote".
+  /// "videoCompressionOptions".
   KeyObservers& keys() { return keys_; }
 
   // Recording.

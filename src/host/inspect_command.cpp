@@ -128,8 +128,9 @@ class Inspection {
   }
 
   void printSceneTable() const {
-    fmt::print("{}: {}{}, {} frames, {} scenes\n\n", options_.tape, systemText(), mixed_ ? " (changes on the way)" : "",
-               frames_, scenes_.scenes().size());
+    const std::size_t count = scenes_.scenes().size();
+    fmt::print("{}: {}{}, {} frames, {} {}\n\n", options_.tape, systemText(), mixed_ ? " (changes on the way)" : "",
+               frames_, count, count == 1 ? "scene" : "scenes");
     fmt::print("{:>5}  {:>10}  {:>8}  {:<11}  {:<11}  {:<19}  {}\n", "scene", "frame", "frames", "from", "to",
                "recorded", "aspect");
     int number = 0;

@@ -73,8 +73,8 @@ std::optional<DVSystem> systemOfLaterSequences(const TapeFile& file, std::uint64
   return votes625 > votes525 ? DVSystem::pal625_50 : DVSystem::ntsc525_60;
 }
 
-/// The system of the first frame: that of its headers, or, where damaged frames lead in, that of the distance to the first
-/// good one.
+/// The system of the first frame: that of its headers, or, where damaged frames lead in, that of the distance to the
+/// first good one.
 std::optional<DVSystem> systemOfFirstFrame(const TapeFile& file) {
   Header header{};
   if (readHeader(file, 0, header) && looksLikeFrameHeader(header)) {

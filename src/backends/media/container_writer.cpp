@@ -22,6 +22,9 @@ constexpr std::size_t kMostHeldFrames = 60;
 constexpr MovieSoundFormat kSoundOfSilentTape{48000, 1};
 // No format has as many as 2000 stereo samples in a frame, of 4 bytes each.
 constexpr std::int64_t kMostSoundBytesPerFrame = 8000;
+constexpr std::int64_t kMostSoundTracks = 2;
+// More than any format's index takes for the packets of one frame.
+constexpr std::int64_t kIndexBytesPerFrame = 256;
 
 }  // namespace
 
@@ -35,11 +38,23 @@ Status ContainerWriter::append(const QTSampleBuffer& frame) {
   system_ = system;
   if (sound_) return writeFrame(frame);
 
+  if (Status room = reserveForHeldAnd(frame); !room.ok()) {
+    if (held_.empty()) broken_ = room.error();
+    return room;
+  }
   held_.push_back(frame);
   const std::optional<MovieSoundFormat> format = MovieSound::formatOf(frame.bytesForAllSamples.bytes());
   if (!format && held_.size() < kMostHeldFrames) return {};
   Status started = start(format.value_or(kSoundOfSilentTape));
   return started.ok() ? writeHeldFrames() : started;
+}
+
+/// A frame that is held counts as written, so its room is taken at once.
+Status ContainerWriter::reserveForHeldAnd(const QTSampleBuffer& frame) {
+  const auto frames = static_cast<std::int64_t>(held_.size()) + 1;
+  const auto size = static_cast<std::int64_t>(frame.lengthForAllSamples());
+  const std::int64_t soundSize = kMostSoundTracks * kMostSoundBytesPerFrame;
+  return file_->reserve(frames * (size + soundSize + kIndexBytesPerFrame) + muxer_.indexSize());
 }
 
 Status ContainerWriter::finish() {
@@ -112,8 +127,8 @@ Status ContainerWriter::writeFrame(const QTSampleBuffer& frame) {
 }
 
 Status ContainerWriter::writeTracks(std::span<const std::uint8_t> frame) {
-  // The sound is read first: that touches the whole frame, and the write of a frame of a memory-mapped tape then finds
-  // it in memory instead of stumbling over each of its pages.
+  // The sound is read first: that touches the whole frame, and the write of one that is not in memory yet then finds it
+  // there instead of stumbling over each of its pages.
   reportSound(sound_->take(frame));
   Status result = muxer_.writePicture(frame);
   for (int track = 0; result.ok() && track < soundFormat_.tracks; ++track) {

@@ -28,6 +28,7 @@ class ContainerWriter : public platform::MovieWriter {
   Status finish() override;
 
  private:
+  Status reserveForHeldAnd(const platform::QTSampleBuffer& frame);
   Status writeHeldFrames();
   MovieFormat formatFor(MovieSoundFormat sound) const;
   Status start(MovieSoundFormat sound);

@@ -1,0 +1,81 @@
+#include "base/calendar_date.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <time.h>
+
+#include <string>
+
+namespace zq {
+namespace {
+
+class CalendarDateInZone : public ::testing::Test {
+ protected:
+  void useZone(const char* zone) {
+    ::setenv("TZ", zone, 1);
+    ::tzset();
+  }
+  void TearDown() override {
+    ::unsetenv("TZ");
+    ::tzset();
+  }
+};
+
+TEST_F(CalendarDateInZone, KeepsTheFieldsItWasMadeOf) {
+  EXPECT_EQ(CalendarDate(2004, 7, 15, 13, 30, 45).isoString(), "2004-07-15T13:30:45");
+}
+
+TEST_F(CalendarDateInZone, CountsSecondsFromTheReferenceDateInUtc) {
+  useZone("UTC");
+  EXPECT_EQ(CalendarDate(2001, 1, 1, 0, 0, 0).timeIntervalSinceReferenceDate(), 0.0);
+  EXPECT_EQ(CalendarDate(2001, 1, 1, 0, 1, 1).timeIntervalSinceReferenceDate(), 61.0);
+  EXPECT_LT(CalendarDate(2000, 12, 31, 23, 59, 59).timeIntervalSinceReferenceDate(), 0.0);
+}
+
+TEST_F(CalendarDateInZone, FieldsAreThoseOfTheSystemsZone) {
+  useZone("EST5");
+  EXPECT_EQ(CalendarDate(2001, 1, 1, 0, 0, 0).timeIntervalSinceReferenceDate(), 5 * 3600.0);
+  EXPECT_EQ(CalendarDate::fromReferenceSeconds(0).isoString(), "2000-12-31T19:00:00");
+}
+
+TEST_F(CalendarDateInZone, FieldsOutOfRangeCarryOver) {
+  EXPECT_EQ(CalendarDate(2004, 0, 15, 0, 0, 0).isoString(), "2003-12-15T00:00:00");
+  EXPECT_EQ(CalendarDate(2004, 1, 39, 0, 0, 0).isoString(), "2004-02-08T00:00:00");
+  EXPECT_EQ(CalendarDate(2004, 1, 1, 25, 61, 61).isoString(), "2004-01-02T02:02:01");
+}
+
+TEST_F(CalendarDateInZone, TheQuickWayGivesTheSameDateAlsoWhenTheZoneChanges) {
+  useZone("UTC");
+  const CalendarDate inUtc = CalendarDate::ofFields({2004, 7, 15, 13, 30, 45});
+  EXPECT_EQ(inUtc, CalendarDate(2004, 7, 15, 13, 30, 45));
+  EXPECT_EQ(CalendarDate::ofFields({2004, 7, 15, 13, 30, 45}), inUtc);
+  useZone("EST5");
+  EXPECT_EQ(CalendarDate::ofFields({2004, 7, 15, 13, 30, 45}), CalendarDate(2004, 7, 15, 13, 30, 45));
+  EXPECT_NE(CalendarDate::ofFields({2004, 7, 15, 13, 30, 45}), inUtc);
+}
+
+TEST_F(CalendarDateInZone, AnIntervalIsPositiveWhenThisDateIsLater) {
+  const CalendarDate earlier(2004, 7, 15, 13, 30, 45);
+  const CalendarDate later(2004, 7, 15, 13, 30, 47);
+  EXPECT_EQ(later.timeIntervalSinceDate(earlier), 2.0);
+  EXPECT_EQ(earlier.timeIntervalSinceDate(later), -2.0);
+}
+
+TEST_F(CalendarDateInZone, AddingMonthsStopsAtTheLastDayOfAShorterMonth) {
+  useZone("UTC");
+  const CalendarDate date(2004, 1, 31, 12, 0, 0);
+  EXPECT_EQ(date.dateByAdding(0, 1, 0, 0, 0, 0).isoString(), "2004-02-29T12:00:00");
+  EXPECT_EQ(date.dateByAdding(1, 1, 0, 0, 0, 0).isoString(), "2005-02-28T12:00:00");
+  EXPECT_EQ(date.dateByAdding(0, -2, 0, 0, 0, 0).isoString(), "2003-11-30T12:00:00");
+}
+
+TEST_F(CalendarDateInZone, AddingDaysAndTimesCarries) {
+  useZone("UTC");
+  const CalendarDate date(2004, 12, 31, 23, 59, 59);
+  EXPECT_EQ(date.dateByAdding(0, 0, 0, 0, 0, 1).isoString(), "2005-01-01T00:00:00");
+  EXPECT_EQ(date.dateByAdding(0, 0, -31, 0, 0, 0).isoString(), "2004-11-30T23:59:59");
+  EXPECT_EQ(date.dateByAdding(0, 0, 0, -24, 0, 0).isoString(), "2004-12-30T23:59:59");
+}
+
+}  // namespace
+}  // namespace zq

@@ -1,0 +1,100 @@
+#pragma once
+// Runs the program as a user does, and keeps what it said.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <vector>
+
+extern char** environ;  // NOLINT(readability-redundant-declaration)
+
+namespace zq::test {
+
+struct ProgramResult {
+  int exitCode = -1;  // -signal when it was ended by one
+  std::string out;
+  std::string err;
+};
+
+/// A folder of the test's own, gone with it, which is also the home of the program's settings.
+class ProgramFolder {
+ public:
+  ProgramFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "deckhand-test-XXXXXX").string();
+    path_ = ::mkdtemp(pattern.data());
+    std::filesystem::create_directory(path_ / "settings");
+  }
+  ~ProgramFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  ProgramFolder(const ProgramFolder&) = delete;
+  ProgramFolder& operator=(const ProgramFolder&) = delete;
+
+  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+inline std::string readText(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+inline void writeText(const std::string& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+/// A program that has been started.
+class RunningProgram {
+ public:
+  RunningProgram(const ProgramFolder& folder, std::vector<std::string> words)
+      : outPath_(folder / "stdout.txt"), errPath_(folder / "stderr.txt") {
+    ::setenv("XDG_CONFIG_HOME", (folder / "settings").c_str(), 1);
+    ::setenv("TZ", "UTC", 1);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outPath_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errPath_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    EXPECT_EQ(::posix_spawnp(&process_, arguments[0], &actions, nullptr, arguments.data(), environ), 0) << words[0];
+    posix_spawn_file_actions_destroy(&actions);
+  }
+
+  void interrupt() const { ::kill(process_, SIGINT); }
+  pid_t process() const { return process_; }
+
+  ProgramResult wait() const {
+    int status = 0;
+    ::waitpid(process_, &status, 0);
+    const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    return {code, readText(outPath_), readText(errPath_)};
+  }
+
+ private:
+  const std::string outPath_;
+  const std::string errPath_;
+  pid_t process_ = 0;
+};
+
+/// `deckhand` with these words behind it.
+inline ProgramResult runDeckhand(const ProgramFolder& folder, std::vector<std::string> words) {
+  words.insert(words.begin(), DECKHAND_PROGRAM);
+  return RunningProgram(folder, std::move(words)).wait();
+}
+
+}  // namespace zq::test
