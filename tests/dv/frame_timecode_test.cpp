@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "support/dv_frames.h"
 
 namespace zq {
@@ -52,6 +54,14 @@ TEST(FrameTimecode, UnreadableSequenceIsSkipped) {
   EXPECT_EQ(timecode(frame)->time, timecodeOf(1, 2, 3, 4, 2));
   for (int sequence = 0; sequence < 10; ++sequence) test::setSequenceNumber(frame, sequence, 15);
   EXPECT_FALSE(timecode(frame));
+}
+
+TEST(FrameTimecode, TellsOfEachSequenceBeforeItIsDecoded) {
+  FrameBytes frame = makeFrameBytes(DVSystem::ntsc525_60);
+  test::setSubcodePack(frame, 2, 0, {0x13, 0x05, 0, 0, 0});
+  std::vector<std::uint32_t> told;
+  firstTimecode(SharedBytes::copyOf(frame), [&told](std::uint32_t index) { told.push_back(index); });
+  EXPECT_EQ(told, (std::vector<std::uint32_t>{0, 1, 2}));
 }
 
 TEST(FrameTimecode, NoneWhereNoneIs) {

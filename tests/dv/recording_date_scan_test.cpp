@@ -109,6 +109,13 @@ TEST(RecordingDateScan, UnsetClockIsADateButNotAPossibleOne) {
   EXPECT_FALSE(isPossibleDate(*result.captureDateTime));
 }
 
+TEST(RecordingDateScan, TellsOfEachSequenceBeforeItIsDecoded) {
+  std::vector<std::uint32_t> told;
+  const SharedBytes frame = test::makeFrame(DVSystem::ntsc525_60, {.dateTime = kStamped});
+  scanRecordingDate(frame, nullptr, [&told](std::uint32_t index) { told.push_back(index); });
+  EXPECT_THAT(told, testing::ElementsAre(0, 1, 2, 3, 4, 5));
+}
+
 TEST(RecordingDateScan, WarningsReachTheLog) {
   FrameBytes frame = makeFrameBytes(DVSystem::ntsc525_60);
   test::setSectionType(frame, 7, 2, 0);

@@ -21,7 +21,16 @@ TEST(TimecodeText, WritesFieldsOutOfRangeAsTheyAre) {
   time.mMinutes = -1;
   time.mSeconds = 60;
   time.mFrames = 45;
-  EXPECT_EQ(timecodeText(time), "124:-1:60:45");
+  EXPECT_EQ(timecodeText(time), "124:-01:60:45");
+}
+
+TEST(TimecodeText, IsAppendedInTheSameForm) {
+  std::string text = "at ";
+  SMPTETime time;
+  time.mHours = 1;
+  time.mFrames = 24;
+  appendTimecodeText(text, time);
+  EXPECT_EQ(text, "at 01:00:00:24");
 }
 
 }  // namespace

@@ -104,7 +104,7 @@ TEST(AddFrames, NegativeMoveBorrowsOneSecondMoreAndLeavesFramesAboveMax) {
 }
 
 TEST(AddFrames, NegativeMoveTakesHoursBelowZero) {
-  EXPECT_EQ(moved(-1, timecode(0, 0, 0, 0)), "-1:59:58:49");
+  EXPECT_EQ(moved(-1, timecode(0, 0, 0, 0)), "-01:59:58:49");
 }
 
 TEST(AddFrames, TruncatesTheFrameSumToSixteenBits) {
@@ -168,13 +168,13 @@ TEST(Sub, TakesTheFirstFromTheSecond) {
 }
 
 TEST(Sub, BorrowsOnceAFieldAndMayGoNegative) {
-  EXPECT_EQ(difference(value(0, 0, 0, 1), value(0, 0, 0, 0), 25), "-1:59:59:24");
+  EXPECT_EQ(difference(value(0, 0, 0, 1), value(0, 0, 0, 0), 25), "-01:59:59:24");
   EXPECT_EQ(difference(value(0, 0, 0, 45), value(0, 0, 1, 0), 25), "00:00:00:-20");
 }
 
 TEST(Sub, NullCountsAsZero) {
   EXPECT_EQ(difference(nullptr, value(1, 2, 3, 4), 25), "01:02:03:04");
-  EXPECT_EQ(difference(value(1, 0, 0, 0), nullptr, 25), "-1:00:00:00");
+  EXPECT_EQ(difference(value(1, 0, 0, 0), nullptr, 25), "-01:00:00:00");
 }
 
 TEST(Sub, TimebaseZeroIsThatOfTheSubtrahend) {
@@ -215,12 +215,12 @@ TEST(Generate, FurtherComponentsAreIgnored) {
 TEST(Generate, ConvertsLeniently) {
   EXPECT_EQ(fromText(" 1:\t+2:3x9:4;5"), "01:02:03:04");
   EXPECT_EQ(fromText("x:: :-"), "00:00:00:00");
-  EXPECT_EQ(fromText("-1:- 5:+-5:08"), "-1:00:00:08");
+  EXPECT_EQ(fromText("-1:- 5:+-5:08"), "-01:00:00:08");
 }
 
 TEST(Generate, NumbersSaturateThenKeepSixteenBits) {
   // 2147483647 and -2147483648 have -1 and 0 as their low 16 bits.
-  EXPECT_EQ(fromText("99999999999999999999:-99999999999999999999:70000:32768"), "-1:00:4464:-32768");
+  EXPECT_EQ(fromText("99999999999999999999:-99999999999999999999:70000:32768"), "-01:00:4464:-32768");
 }
 
 TEST(Generate, FewerThanFourComponentsAreRefused) {
