@@ -114,7 +114,7 @@ void ZQACController::setDelegate(const ZQACControllerDelegate* delegate) {
 }
 
 // An option changed by hand: the options no longer are those of a named configuration, which the first item stands for.
-void ZQACController::observeValueForKeyPath() {
+void ZQACController::observeValueForKeyPath() const {
   if (loadingConfig_ || outlets_.configurationPopUp == nullptr) return;
   outlets_.configurationPopUp->selectItemAtIndex(0);
 }

@@ -136,7 +136,7 @@ class ZQACController : public platform::QTCaptureOutputDelegate {
  private:
   void addOutputs();
   void observe();
-  void observeValueForKeyPath();
+  void observeValueForKeyPath() const;
   void showTransportOnButtons();
   bool isAboutControllableDevice(const platform::Notification& notification) const;
 

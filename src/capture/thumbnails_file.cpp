@@ -15,7 +15,7 @@ void ThumbnailsFile::open(const std::string& path) {
 
 // Only whole frames stay in the file: a reader finds frame k by its size alone. So a frame that a full disk cuts short
 // is taken back.
-void ThumbnailsFile::append(const SharedBytes& frame) {
+void ThumbnailsFile::append(const SharedBytes& frame) const {
   if (descriptor_ < 0) return;
   const off_t start = ::lseek(descriptor_, 0, SEEK_CUR);
   std::span<const std::uint8_t> rest = frame.bytes();

@@ -19,7 +19,7 @@ class ThumbnailsFile {
   /// Creates the file if there is none. One that exists is written over from its start and not cut, so what it holds
   /// beyond that stays.
   void open(const std::string& path);
-  void append(const SharedBytes& frame);
+  void append(const SharedBytes& frame) const;
   void close();
   bool isOpen() const { return descriptor_ >= 0; }
 

@@ -101,7 +101,7 @@ void CaptureRun::look() {
     return stopRecording();
   }
   const double rate = setup_.tape->system() == DVSystem::pal625_50 ? 25.0 : 30000.0 / 1001.0;
-  parts_->progress.show({controller.currentTimecodeValue(), controller.currentDate(), ledger_->openedClips(),
+  parts_->progress.show({controller.currentTimecodeValue(), controller.currentDate(), ledger_->startedClips(),
                          ledger_->deliveredFrames(), parts_->platform.frameCounts().dropped, rate});
   parts_->lookTimer = setup_.runtime.mainLoop().startTimer(setup_.lookEvery, [this] { look(); });
 }

@@ -2,10 +2,10 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <stdio.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <system_error>

@@ -131,9 +131,9 @@ std::int64_t ClipLedger::deliveredFrames() const {
   return delivered_;
 }
 
-int ClipLedger::openedClips() const {
+int ClipLedger::startedClips() const {
   const std::lock_guard guard(*mutex_);
-  return static_cast<int>(entries_.size());
+  return static_cast<int>(std::ranges::count_if(entries_, [](const Entry& entry) { return entry.tapeFrames > 0; }));
 }
 
 TapeFindings ClipLedger::findings() const {

@@ -47,7 +47,8 @@ class ClipLedger {
   std::vector<CapturedClip> settle();
 
   std::int64_t deliveredFrames() const;
-  int openedClips() const;
+  /// Clips that have frames.
+  int startedClips() const;
   TapeFindings findings() const;
 
  private:

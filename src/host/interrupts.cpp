@@ -1,10 +1,10 @@
 #include "host/interrupts.h"
 
-#include <signal.h>
 #include <unistd.h>
 
 #include <array>
 #include <atomic>
+#include <csignal>
 #include <string_view>
 
 #include "host/exit_codes.h"

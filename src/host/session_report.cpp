@@ -18,7 +18,7 @@ using nlohmann::ordered_json;
 namespace {
 
 // Room for the report of some thousand clips; a longer one asks for more when it is written.
-constexpr off_t kReservedBytes = 1024 * 1024;
+constexpr off_t kReservedBytes{1 << 20};
 
 ordered_json settingJson(const platform::SettingValue& value) {
   if (const bool* flag = std::get_if<bool>(&value)) return *flag;

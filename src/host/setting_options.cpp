@@ -116,6 +116,7 @@ std::string settingsHelp() {
 
 std::vector<std::string> settingKeys() {
   std::vector<std::string> keys;
+  keys.reserve(kRules.size());
   for (const KeyRule& rule : kRules) keys.emplace_back(rule.key);
   return keys;
 }

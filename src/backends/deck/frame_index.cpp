@@ -13,7 +13,7 @@ namespace zq::backend {
 namespace {
 
 // What a header test looks at: the header block and both subcode blocks.
-constexpr std::size_t kHeaderBytes = 3 * BLOCKS_SIZE;
+constexpr std::size_t kHeaderBytes = kFrameHeaderSize;
 using Header = std::array<std::uint8_t, kHeaderBytes>;
 
 // How many damaged frames may lead in before the first whole one; a minute of 625/50.

@@ -8,8 +8,8 @@ namespace zq::backend {
 namespace {
 
 // Header and two subcode blocks, then three VAUX blocks; picture and sound come after them.
-constexpr std::size_t kSubcodeBytes = 3 * BLOCKS_SIZE;
-constexpr std::size_t kVauxBytes = 3 * BLOCKS_SIZE;
+constexpr std::size_t kSubcodeBytes = std::size_t{3} * BLOCKS_SIZE;
+constexpr std::size_t kVauxBytes = std::size_t{3} * BLOCKS_SIZE;
 
 std::uint32_t bitOf(std::uint32_t index) {
   return 1U << index;

@@ -11,7 +11,7 @@
 
 namespace zq::backend {
 
-class CaptureSession : public platform::QTCaptureSession, public platform::FrameSink {
+class CaptureSession final : public platform::QTCaptureSession, public platform::FrameSink {
  public:
   /// `failed` is called on the main thread when the device cannot go on.
   CaptureSession(platform::Runtime& runtime, std::function<void(const Error&)> failed);

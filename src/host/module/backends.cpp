@@ -21,6 +21,7 @@ class Backends : public BackendModule {
   Status makeTape(const std::string& path, DVSystem system, const std::vector<SceneOrder>& scenes,
                   const std::function<void(std::int64_t made, std::int64_t inAll)>& progress) override {
     std::vector<media::TapeScene> tapeScenes;
+    tapeScenes.reserve(scenes.size());
     for (const SceneOrder& scene : scenes) tapeScenes.push_back({scene.frames, scene.date, scene.timecode, false});
     return media::TapeMaker().make(path, system, tapeScenes, progress);
   }
