@@ -68,13 +68,7 @@ CalendarDate CalendarDate::ofFields(const std::array<int, 6>& fields) {
 CalendarDate::CalendarDate(int year, int month, int day, int hour, int minute, int second) {
   std::tm fields = tmFrom(year, month, day, hour, minute, second);
   referenceSeconds_ = static_cast<std::int64_t>(std::mktime(&fields)) - kReferenceDateUnixSeconds;
-  // mktime normalises the fields it was given, so they need no second conversion.
-  year_ = fields.tm_year + 1900;
-  month_ = fields.tm_mon + 1;
-  day_ = fields.tm_mday;
-  hour_ = fields.tm_hour;
-  minute_ = fields.tm_min;
-  second_ = fields.tm_sec;
+  setFieldsFromReferenceSeconds();
 }
 
 CalendarDate CalendarDate::fromReferenceSeconds(std::int64_t seconds) {

@@ -71,16 +71,10 @@ FrameLocation placeAfter(const FrameLocation& first, std::int64_t frames) {
 }  // namespace
 
 Expected<std::unique_ptr<TapeInspector>> TapeInspector::open(const std::string& path, platform::Runtime& runtime) {
-  auto file = TapeFile::open(path);
-  if (!file.ok()) return file.error();
-  auto index = FrameIndex::open(file.value());
-  if (!index.ok()) return index.error();
-  auto first = index.value().locate(0);
-  if (!first.ok()) return first.error();
-  if (!first.value())
-    return Error{"The tape image " + path + " ends inside its first frame", "It holds no whole frame."};
-  return std::unique_ptr<TapeInspector>(
-      new TapeInspector(file.value(), std::move(index.value()), *first.value(), runtime));
+  auto tape = backend::openTape(path);
+  if (!tape.ok()) return tape.error();
+  backend::OpenTape& opened = tape.value();
+  return std::unique_ptr<TapeInspector>(new TapeInspector(opened.file, std::move(opened.index), opened.first, runtime));
 }
 
 TapeInspector::TapeInspector(std::shared_ptr<TapeFile> file, FrameIndex index, FrameLocation first,

@@ -171,4 +171,17 @@ Expected<std::optional<FrameLocation>> FrameIndex::locate(std::int64_t frame) {
   return std::optional<FrameLocation>{FrameLocation{frame, first.offset + distance, first.system}};
 }
 
+Expected<OpenTape> openTape(const std::string& path) {
+  auto file = TapeFile::open(path);
+  if (!file.ok()) return file.error();
+  auto index = FrameIndex::open(file.value());
+  if (!index.ok()) return index.error();
+  auto first = index.value().locate(0);
+  if (!first.ok()) return first.error();
+  if (!first.value()) {
+    return Error{"The tape image " + path + " ends inside its first frame", "It holds no whole frame."};
+  }
+  return OpenTape{file.value(), std::move(index.value()), *first.value()};
+}
+
 }  // namespace zq::backend

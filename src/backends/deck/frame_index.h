@@ -52,4 +52,14 @@ class FrameIndex {
   std::vector<Run> runs_;
 };
 
+/// A tape image that was recognised, and its first frame.
+struct OpenTape {
+  std::shared_ptr<TapeFile> file;
+  FrameIndex index;
+  FrameLocation first;
+};
+
+/// Refuses what is no tape image, or has no whole frame, with an error that says what it is instead.
+Expected<OpenTape> openTape(const std::string& path);
+
 }  // namespace zq::backend

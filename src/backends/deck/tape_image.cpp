@@ -5,16 +5,10 @@
 namespace zq::backend {
 
 Expected<std::shared_ptr<TapeImage>> TapeImage::open(const std::string& path) {
-  auto file = TapeFile::open(path);
-  if (!file.ok()) return file.error();
-  auto index = FrameIndex::open(file.value());
-  if (!index.ok()) return index.error();
-  auto first = index.value().locate(0);
-  if (!first.ok()) return first.error();
-  if (!first.value())
-    return Error{"The tape image " + path + " ends inside its first frame", "There is nothing to play."};
-  const DVSystem system = first.value()->system;
-  return std::shared_ptr<TapeImage>(new TapeImage(file.value(), std::move(index.value()), system));
+  auto tape = openTape(path);
+  if (!tape.ok()) return tape.error();
+  OpenTape& opened = tape.value();
+  return std::shared_ptr<TapeImage>(new TapeImage(opened.file, std::move(opened.index), opened.first.system));
 }
 
 TapeImage::TapeImage(std::shared_ptr<TapeFile> file, FrameIndex index, DVSystem system)

@@ -126,7 +126,10 @@ QString userPath() {
 QtSettings::QtSettings(platform::Runtime& runtime) : QtSettings(runtime, userPath().toStdString()) {}
 
 QtSettings::QtSettings(platform::Runtime& runtime, const std::string& path)
-    : mutex_(runtime.makeMutex("settings")), keeper_(openedFile(asQString(path))), lastError_(statusOf(*keeper_)) {}
+    : mutex_(runtime.makeMutex("settings")),
+      keeper_(openedFile(asQString(path))),
+      observers_(*mutex_),
+      lastError_(statusOf(*keeper_)) {}
 
 QtSettings::~QtSettings() = default;
 
@@ -146,7 +149,7 @@ void QtSettings::setObjectForKey(const std::string& key, SettingValue value) {
     store.sync();
     lastError_ = statusOf(store);
   }
-  tellObserversOf(key);
+  observers_.tell(key);
 }
 
 void QtSettings::removeObjectForKey(const std::string& key) {
@@ -158,29 +161,12 @@ void QtSettings::removeObjectForKey(const std::string& key) {
     store.sync();
     lastError_ = statusOf(store);
   }
-  tellObserversOf(key);
+  observers_.tell(key);
 }
 
 platform::Observation QtSettings::observe(std::vector<std::string> keys,
                                           std::function<void(const std::string& key)> changed) {
-  auto observer = std::make_shared<Observer>(Observer{std::move(keys), std::move(changed)});
-  const std::lock_guard guard(*mutex_);
-  observers_.push_back(observer);
-  return observer;
-}
-
-void QtSettings::tellObserversOf(const std::string& key) {
-  std::vector<std::weak_ptr<Observer>> observers;
-  {
-    const std::lock_guard guard(*mutex_);
-    std::erase_if(observers_, [](const std::weak_ptr<Observer>& observer) { return observer.expired(); });
-    observers = observers_;
-  }
-  // Outside the lock: an observer may use the settings, and may end an observation.
-  for (const std::weak_ptr<Observer>& held : observers) {
-    const std::shared_ptr<Observer> observer = held.lock();
-    if (observer && std::ranges::find(observer->keys, key) != observer->keys.end()) observer->changed(key);
-  }
+  return observers_.add(std::move(keys), std::move(changed));
 }
 
 Status QtSettings::lastError() const {

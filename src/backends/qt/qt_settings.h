@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/status.h"
+#include "platform/setting_observers.h"
 #include "platform/settings.h"
 #include "platform/thread.h"
 
@@ -43,20 +44,13 @@ class QtSettings final : public platform::Settings {
   std::string path() const;
 
  private:
-  struct Observer {
-    std::vector<std::string> keys;
-    std::function<void(const std::string& key)> changed;
-  };
-
-  void tellObserversOf(const std::string& key);
-
   // Constant after construction. keeper_ does nothing but keep Qt's copy of the file alive: without it, a value that
   // could not be written would be gone with the operation that set it.
   const std::unique_ptr<platform::Mutex> mutex_;
   const std::unique_ptr<const QSettings> keeper_;
 
   // Guarded by mutex_.
-  std::vector<std::weak_ptr<Observer>> observers_;
+  platform::SettingObservers observers_;
   Status lastError_;
 };
 

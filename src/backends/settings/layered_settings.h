@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "backends/settings/key_observers.h"
+#include "platform/setting_observers.h"
 #include "platform/settings.h"
 #include "platform/thread.h"
 
@@ -42,7 +42,7 @@ class LayeredSettings final : public platform::Settings {
   platform::Settings& base_;
   const std::unique_ptr<platform::Mutex> mutex_;
 
-  KeyObservers observers_;
+  platform::SettingObservers observers_;
 
   // Guarded by mutex_. No value: overlaid, then removed.
   std::map<std::string, std::optional<platform::SettingValue>> layer_;

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "backends/settings/key_observers.h"
+#include "platform/setting_observers.h"
 #include "platform/settings.h"
 #include "platform/thread.h"
 
@@ -34,7 +34,7 @@ class MemorySettings final : public platform::Settings {
   // Constant after construction.
   const std::unique_ptr<platform::Mutex> mutex_;
 
-  KeyObservers observers_;
+  platform::SettingObservers observers_;
 
   // Guarded by mutex_.
   std::map<std::string, platform::SettingValue> values_;

@@ -1,23 +1,23 @@
-#include "backends/settings/key_observers.h"
+#include "platform/setting_observers.h"
 
 #include <algorithm>
 #include <mutex>
 #include <utility>
 
-namespace zq::backend {
+namespace zq::platform {
 
-platform::Observation KeyObservers::add(std::vector<std::string> keys, Changed changed) {
+Observation SettingObservers::add(std::vector<std::string> keys, Changed changed) {
   auto entry = std::make_shared<Entry>(Entry{std::move(keys), std::move(changed)});
   const std::lock_guard guard(mutex_);
   entries_.push_back(entry);
   return entry;
 }
 
-void KeyObservers::tell(const std::string& key) {
+void SettingObservers::tell(const std::string& key) {
   for (const std::shared_ptr<Entry>& entry : observersOf(key)) entry->changed(key);
 }
 
-std::vector<std::shared_ptr<KeyObservers::Entry>> KeyObservers::observersOf(const std::string& key) {
+std::vector<std::shared_ptr<SettingObservers::Entry>> SettingObservers::observersOf(const std::string& key) {
   std::vector<std::shared_ptr<Entry>> observers;
   const std::lock_guard guard(mutex_);
   std::erase_if(entries_, [](const std::weak_ptr<Entry>& entry) { return entry.expired(); });
@@ -28,4 +28,4 @@ std::vector<std::shared_ptr<KeyObservers::Entry>> KeyObservers::observersOf(cons
   return observers;
 }
 
-}  // namespace zq::backend
+}  // namespace zq::platform

@@ -9,17 +9,17 @@
 #include "platform/settings.h"
 #include "platform/thread.h"
 
-namespace zq::backend {
+namespace zq::platform {
 
 /// From any thread. Ending an observation does not wait for a call that is under way on another thread.
-class KeyObservers {
+class SettingObservers {
  public:
   using Changed = std::function<void(const std::string& key)>;
 
   /// `mutex` guards the list; it is not held while observers run, so that these may use what it guards as well.
-  explicit KeyObservers(platform::Mutex& mutex) : mutex_(mutex) {}
+  explicit SettingObservers(Mutex& mutex) : mutex_(mutex) {}
 
-  platform::Observation add(std::vector<std::string> keys, Changed changed);
+  Observation add(std::vector<std::string> keys, Changed changed);
   /// Calls who observes `key`, in the order in which they came.
   void tell(const std::string& key);
 
@@ -31,10 +31,10 @@ class KeyObservers {
 
   std::vector<std::shared_ptr<Entry>> observersOf(const std::string& key);
 
-  platform::Mutex& mutex_;
+  Mutex& mutex_;
 
   // Guarded by mutex_.
   std::vector<std::weak_ptr<Entry>> entries_;
 };
 
-}  // namespace zq::backend
+}  // namespace zq::platform
