@@ -11,6 +11,8 @@
 #include <system_error>
 #include <utility>
 
+#include "backends/session/movie_file_output.h"
+
 namespace zq::host {
 namespace {
 
@@ -51,7 +53,8 @@ std::string ClipFiles::thumbnailsPath(const std::string& stem) const {
 }
 
 bool ClipFiles::isFree(const std::string& stem) const {
-  return !exists(moviePath(stem)) && !exists(thumbnailsPath(stem));
+  return !exists(moviePath(stem)) && !exists(backend::continuationPath(moviePath(stem), 2)) &&
+         !exists(thumbnailsPath(stem));
 }
 
 ClipFiles::Names ClipFiles::workingNames(int number) {

@@ -25,6 +25,13 @@ TEST(ClipFiles, ATakenNameGetsACounterForMovieAndThumbnailsTogether) {
   EXPECT_EQ(files.freeStem(kDate, 1), "2004-07-15T13-30-45-3");
 }
 
+TEST(ClipFiles, ANameWhoseContinuationIsTakenIsTaken) {
+  const test::ProgramFolder folder;
+  const ClipFiles files(folder.path().string(), "mov", "holiday");
+  test::writeText(folder / "2004-07-15T13-30-45-part2.mov", "mine");
+  EXPECT_EQ(files.freeStem(kDate, 1), "2004-07-15T13-30-45-2");
+}
+
 TEST(ClipFiles, WorkingNamesOfAnEarlierCaptureThatWasKilledAreLeftAlone) {
   const test::ProgramFolder folder;
   ClipFiles files(folder.path().string(), "mov", "holiday");

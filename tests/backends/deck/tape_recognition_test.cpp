@@ -144,6 +144,16 @@ TEST_F(TapeRecognition, TwoChannelsAreSaidToBeFiftyMegabits) {
   }
 }
 
+TEST_F(TapeRecognition, OneFlippedChannelBitIsNoFiftyMegabitStream) {
+  test::FrameBytes stream;
+  for (int i = 0; i < 4; ++i) {
+    test::FrameBytes frame = test::makeFrameBytes(DVSystem::pal625_50);
+    if (i == 1) frame[1] |= 0x08;
+    stream.insert(stream.end(), frame.begin(), frame.end());
+  }
+  EXPECT_EQ(refusalOfBytes(stream), "taken for a tape");
+}
+
 TEST_F(TapeRecognition, AFiftyMegabitStreamOfAnEncoderIsRefusedAndATwentyFiveMegabitOneTaken) {
   const auto encode = [&](const std::string& name, const std::string& pixels, const std::string& source) {
     const std::string command = "ffmpeg -loglevel error -f lavfi -i testsrc=" + source + " -frames:v 3 -pix_fmt " +
