@@ -9,6 +9,7 @@
 #include "dv/dif_sequence_block.h"
 
 #include <array>
+#include <cstddef>
 #include <utility>
 
 #include "dv/dv_constants.h"
@@ -50,7 +51,8 @@ void DVDifSequenceBlock::decodeHeader() {
 
 void DVDifSequenceBlock::getBytesStartLength(std::uint8_t* destination, std::uint32_t start,
                                              std::uint32_t length) const {
-  data_.getBytes({destination, length}, offset_ + start);
+  // In a wide sum, as a start past the end shall be out of range and not wrap to a place inside the buffer.
+  data_.getBytes({destination, length}, std::size_t{offset_} + start);
 }
 
 }  // namespace zq

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <limits>
+#include <memory>
 #include <stdexcept>
 #include <vector>
 
@@ -56,6 +59,7 @@ TEST(DifSequenceBlock, DecodesSequenceNumberChannelAndBlockNumber) {
   EXPECT_EQ(second.sequenceNumber(), 5U);
   EXPECT_EQ(second.sequenceChannel(), 1U);
   EXPECT_EQ(second.blockNumber(), 255U);
+  EXPECT_EQ(blockOf(bufferWithId({0x1F, 0xB7, 0}), 0, 0).sequenceNumber(), 11U);
 }
 
 TEST(DifSequenceBlock, CopiesBytesCountedFromItsFirst) {
@@ -109,6 +113,13 @@ TEST(DifSequenceBlock, ReadingPastTheEndIsOutOfRange) {
   std::array<std::uint8_t, 5> pack{};
   EXPECT_NO_THROW(block.getBytesStartLength(pack.data(), 75, 5));
   EXPECT_THROW(block.getBytesStartLength(pack.data(), 76, 5), std::out_of_range);
+}
+
+TEST(DifSequenceBlock, AHugeStartDoesNotWrapIntoTheBuffer) {
+  const DVDifSequenceBlock block = blockOf(SharedBytes::copyOf(std::vector<std::uint8_t>(160)), 0, 1);
+  std::array<std::uint8_t, 5> pack{};
+  EXPECT_THROW(block.getBytesStartLength(pack.data(), std::numeric_limits<std::uint32_t>::max() - 9, 5),
+               std::out_of_range);
 }
 
 }  // namespace

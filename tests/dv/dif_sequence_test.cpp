@@ -193,6 +193,29 @@ TEST(DifSequence, TimeMayComeBeforeTheDate) {
   EXPECT_EQ(date->isoString(), "2024-12-31T13:30:45");
 }
 
+TEST(DifSequence, MissingHalfIsAddedToTheValueItHas) {
+  FrameBytes frame = frameWithPack(kDate20241231);
+  setSubcodePack(frame, 0, 1, kTime133045);
+  for (const bool hasDate : {true, false}) {
+    const auto held = hasDate ? DVFrameCaptureDateTime::dateWithYearMonthDay(2003, 2, 1)
+                              : DVFrameCaptureDateTime::timeWithHoursMinutesSeconds(4, 5, 6);
+    DVDifSequence sequence(SharedBytes::copyOf(frame), 0);
+    sequence.setCaptureDateTime(held);
+    sequence.decodeSequence();
+    EXPECT_EQ(sequence.captureDateTime(), held);
+    ASSERT_NE(sequence.date(), nullptr);
+    EXPECT_EQ(sequence.date()->isoString(), hasDate ? "2003-02-01T13:30:45" : "2024-12-31T04:05:06");
+  }
+}
+
+TEST(DifSequence, ZoneOfTheDateAndFramesOfTheTimeAreNotRead) {
+  FrameBytes frame = frameWithPack({0x62, 0x15, 0x31, 0x12, 0x24});
+  setSubcodePack(frame, 0, 1, {0x63, 0x24, 0x45, 0x30, 0x13});
+  const DateValue date = decodedSequence(frame, 0).date();
+  ASSERT_NE(date, nullptr);
+  EXPECT_EQ(date->isoString(), "2024-12-31T13:30:45");
+}
+
 TEST(DifSequence, DateAloneIsNoDate) {
   EXPECT_EQ(decodedSequence(frameWithPack(kDate20241231), 0).date(), nullptr);
   EXPECT_EQ(decodedSequence(frameWithPack(kTime133045), 0).date(), nullptr);
@@ -241,6 +264,8 @@ TEST(DifSequence, SourcePackTellsTheSampling) {
   EXPECT_EQ(samplingOf(0xE0), 0);
   EXPECT_EQ(samplingOf(0xE4), 4);
   EXPECT_EQ(samplingOf(0xE1), -1);
+  EXPECT_EQ(samplingOf(0xF0), -1);
+  EXPECT_EQ(samplingOf(0xF4), -1);
   EXPECT_EQ(samplingOf(0xFF), -1);
 }
 
@@ -324,6 +349,33 @@ TEST(DifSequence, ReDecodeStartsTheDateAfresh) {
   expectDate(sequence.captureDateTime(), 2003, 2, 1);
 }
 
+TEST(DifSequence, WhatALaterBufferLacksStaysAsItWas) {
+  FrameBytes frame = frameWithPack({0x13, 0x24, 0x59, 0x59, 0x23}, DVSystem::pal625_50);
+  test::setVideoSourceControlPack(frame, 0, {0x61, 0x3F, 0xC8, 0xCF, 0xFF});
+  test::setVideoSourcePack(frame, 0, {0x60, 0xFF, 0xFF, 0xE4, 0xFF});
+  DVDifSequence sequence = decodedSequence(frame, 0);
+  FrameBytes later = makeFrameBytes(DVSystem::ntsc525_60);
+  setSectionType(later, 0, 5, 3);
+  sequence.setData(SharedBytes::copyOf(later));
+  // Starting afresh is for the date and time only.
+  sequence.reDecodeSequence();
+  EXPECT_EQ(sequence.timeCode(), timecodeOf(23, 59, 59, 24, 2));
+  EXPECT_TRUE(sequence.timecodeOk());
+  EXPECT_EQ(sequence.aspectRatio(), 1);
+  EXPECT_TRUE(sequence.stillPicture());
+  EXPECT_TRUE(sequence.interlaced());
+  EXPECT_EQ(sequence.pixelSampling(), 4);
+}
+
+TEST(DifSequence, AnotherIndexMovesTheOffsetAndStaysDecoded) {
+  DVDifSequence sequence = decodedSequence(makeFrameBytes(DVSystem::ntsc525_60), 0);
+  sequence.setSequenceIndex(3);
+  EXPECT_EQ(sequence.offset(), 36000U);
+  EXPECT_TRUE(sequence.decoded());
+  sequence.reDecodeSequence();
+  EXPECT_EQ(sequence.sequenceNumber(), 3U);
+}
+
 TEST(DifSequence, UndecodedOneHasNoDate) {
   DVDifSequence sequence = decodedSequence(frameWithPack(kDate20241231), 0);
   sequence.setUndecoded();
@@ -405,6 +457,12 @@ TEST(DifSequence, WrongVauxIsLoggedAndLeavesItsFields) {
   EXPECT_EQ(log.lines.front().level, LogLevel::warning);
 }
 
+TEST(DifSequence, WrongVauxLeavesTheSubcodeToBeRead) {
+  FrameBytes frame = frameWithPack({0x13, 0x24, 0x59, 0x59, 0x23});
+  setSectionType(frame, 0, 5, 3);
+  EXPECT_TRUE(decodedSequence(frame, 0).timecodeOk());
+}
+
 TEST(DifSequence, AGoodSequenceLogsNothing) {
   test::DVRecordingLog log;
   decodedSequence(makeFrameBytes(DVSystem::pal625_50), 11, &log);
@@ -428,6 +486,32 @@ TEST(DifSequence, EveryWrongSectionIsFound) {
   }
 }
 
+TEST(DifSequence, EachBlockHasItsOwnSectionTypes) {
+  const auto isExpected = [](int block, int type) {
+    if (block == 0) return type == 0;
+    if (block <= 2) return type == 1;
+    return block <= 5 ? type == 2 : type == 3 || type == 4;
+  };
+  const FrameBytes whole = makeFrameBytes(DVSystem::ntsc525_60);
+  for (const int block : {0, 1, 2, 3, 4, 5, 6, 7, 149}) {
+    for (int type = 0; type < 8; ++type) {
+      FrameBytes frame = whole;
+      setSectionType(frame, 0, block, type);
+      EXPECT_EQ(DVDifSequence(SharedBytes::copyOf(frame), 0).containsExpectedSections(), isExpected(block, type))
+          << block << " of type " << type;
+    }
+  }
+}
+
+TEST(DifSequence, UndecodedOneChecksTheBlocksOfSequenceZero) {
+  FrameBytes frame = makeFrameBytes(DVSystem::ntsc525_60);
+  setSectionType(frame, 0, 1, 4);
+  DVDifSequence sequence(SharedBytes::copyOf(frame), 3);
+  EXPECT_FALSE(sequence.containsExpectedSections());
+  sequence.decodeSequenceBasics();
+  EXPECT_TRUE(sequence.containsExpectedSections());
+}
+
 TEST(DifSequence, SoundAndPictureBlocksMayChangePlaces) {
   FrameBytes frame = makeFrameBytes(DVSystem::ntsc525_60);
   setSectionType(frame, 0, 6, 4);
@@ -443,6 +527,26 @@ TEST(DifSequence, ShortBufferIsCheckedAsFarAsItGoes) {
   EXPECT_FALSE(isExpected(79));
   EXPECT_TRUE(isExpected(80));
   EXPECT_TRUE(isExpected(500));
+}
+
+TEST(DifSequence, BlockThatTheBufferCutsOffIsNotChecked) {
+  FrameBytes frame = makeFrameBytes(DVSystem::ntsc525_60);
+  setSectionType(frame, 0, 1, 4);
+  const auto isExpected = [&frame](std::size_t size) {
+    return DVDifSequence(SharedBytes::copyOf(std::span(frame).first(size)), 0).containsExpectedSections();
+  };
+  EXPECT_TRUE(isExpected(159));
+  EXPECT_FALSE(isExpected(160));
+}
+
+TEST(DifSequence, BlocksCountedFromTheWholeBufferMayLieOutsideIt) {
+  // The buffer has 150 blocks, but those of sequence 1 are behind its end.
+  FrameBytes frame = makeFrameBytes(DVSystem::ntsc525_60);
+  frame.resize(SEQUENCE_SIZE);
+  setSequenceNumber(frame, 0, 1);
+  DVDifSequence sequence(SharedBytes::copyOf(frame), 0);
+  sequence.decodeSequenceBasics();
+  EXPECT_THROW((void)sequence.containsExpectedSections(), std::out_of_range);
 }
 
 }  // namespace

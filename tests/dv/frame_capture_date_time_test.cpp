@@ -79,6 +79,7 @@ TEST(FrameCaptureDateTime, DateWithoutTime) {
   EXPECT_EQ(value->timeReference(), nullptr);
   EXPECT_EQ(value->timeIntervalSinceCaptureDateTime(fullySet().get()), -10000.0);
   EXPECT_EQ(fullySet()->timeIntervalSinceCaptureDateTime(value.get()), -10000.0);
+  EXPECT_EQ(value->timeIntervalSinceCaptureDateTime(nullptr), -10000.0);
 }
 
 TEST(FrameCaptureDateTime, DateReferenceIsMidMorning) {
@@ -206,6 +207,12 @@ TEST(FrameCaptureDateTime, ArchiveHasSixNumbersThenTwoFlags) {
   const std::vector<std::uint8_t> expected{0, 0, 0, 0,  0, 0, 0, 0,  0, 0, 0, 0, 13,
                                            0, 0, 0, 30, 0, 0, 0, 45, 0, 0, 0, 0, 1};
   EXPECT_EQ(writer.bytes(), expected);
+
+  test::MemoryArchiveWriter dateWriter;
+  Value::initWithYearMonthDay(20, 7, 15).encodeWithCoder(dateWriter);
+  const std::vector<std::uint8_t> expectedDate{20, 0, 0, 0, 7, 0, 0, 0, 15, 0, 0, 0, 0,
+                                               0,  0, 0, 0, 0, 0, 0, 0, 0,  0, 0, 1, 0};
+  EXPECT_EQ(dateWriter.bytes(), expectedDate);
 }
 
 TEST(DateOrderTest, DayFirstNeedsADayAtTheVeryBeginning) {

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <random>
@@ -46,6 +49,23 @@ std::string difference(const TimecodeValue& a, const TimecodeValue& b, int timeb
 
 std::string fromText(const std::string& text) {
   return timecodeText(*Utils::generateTimecodeValueWithTimecodeString(text));
+}
+
+TEST(SMPTETimeRecord, HasItsFieldsInOrder) {
+  EXPECT_EQ(offsetof(SMPTETime, mSubframes), 0U);
+  EXPECT_EQ(offsetof(SMPTETime, mSubframeDivisor), 2U);
+  EXPECT_EQ(offsetof(SMPTETime, mCounter), 4U);
+  EXPECT_EQ(offsetof(SMPTETime, mType), 8U);
+  EXPECT_EQ(offsetof(SMPTETime, mFlags), 12U);
+  EXPECT_EQ(offsetof(SMPTETime, mHours), 16U);
+  EXPECT_EQ(offsetof(SMPTETime, mMinutes), 18U);
+  EXPECT_EQ(offsetof(SMPTETime, mSeconds), 20U);
+  EXPECT_EQ(offsetof(SMPTETime, mFrames), 22U);
+}
+
+TEST(SMPTETimeRecord, EmptyOneIsAllZero) {
+  const auto bytes = std::bit_cast<std::array<std::uint8_t, sizeof(SMPTETime)>>(nullTimecode);
+  EXPECT_EQ(bytes, (std::array<std::uint8_t, sizeof(SMPTETime)>{}));
 }
 
 TEST(MaxFrame, FollowsTheType) {
@@ -105,6 +125,20 @@ TEST(AddFrames, NegativeMoveBorrowsOneSecondMoreAndLeavesFramesAboveMax) {
 
 TEST(AddFrames, NegativeMoveTakesHoursBelowZero) {
   EXPECT_EQ(moved(-1, timecode(0, 0, 0, 0)), "-01:59:58:49");
+}
+
+TEST(AddFrames, SecondsAndMinutesOutOfRangeStartAgainAtTheEndOfTheirRange) {
+  // Sixty seconds and sixty minutes are what a sum of two timecodes can have.
+  EXPECT_EQ(moved(10, timecode(0, 0, 60, 20)), "00:01:00:05");
+  EXPECT_EQ(moved(10, timecode(0, 60, 59, 20)), "01:00:00:05");
+  EXPECT_EQ(moved(3, timecode(0, 60, 60, 5)), "00:60:60:08");
+  EXPECT_EQ(moved(-5, timecode(0, 0, -3, 0)), "-01:59:58:45");
+  EXPECT_EQ(moved(-5, timecode(0, -3, 0, 0)), "-01:59:58:45");
+}
+
+TEST(AddFrames, FramesAlreadyBeyondTheSecondCarryAsWell) {
+  EXPECT_EQ(moved(0, timecode(0, 0, 8, 45)), "00:00:09:20");
+  EXPECT_EQ(moved(0, timecode(0, 0, 10, -1)), "00:00:08:49");
 }
 
 TEST(AddFrames, TruncatesTheFrameSumToSixteenBits) {
@@ -212,8 +246,15 @@ TEST(Generate, FurtherComponentsAreIgnored) {
   EXPECT_EQ(fromText("1:2:3:4:5:6"), "01:02:03:04");
 }
 
+TEST(Generate, EmptyComponentsCountAsZero) {
+  EXPECT_EQ(fromText(":::"), "00:00:00:00");
+  EXPECT_EQ(fromText("1:2:3:"), "01:02:03:00");
+  EXPECT_EQ(fromText(".1::2"), "00:01:00:02");
+}
+
 TEST(Generate, ConvertsLeniently) {
   EXPECT_EQ(fromText(" 1:\t+2:3x9:4;5"), "01:02:03:04");
+  EXPECT_EQ(fromText("1;9:2:3:4"), "01:02:03:04");
   EXPECT_EQ(fromText("x:: :-"), "00:00:00:00");
   EXPECT_EQ(fromText("-1:- 5:+-5:08"), "-01:00:00:08");
 }
