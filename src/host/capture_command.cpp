@@ -48,7 +48,9 @@ void layRunSettings(backend::LayeredSettings& run, const std::vector<SettingChan
 
 std::unique_ptr<platform::Runtime> makeRuntime(bool realTime) {
   if (realTime) return std::make_unique<backend::RealRuntime>();
-  return std::make_unique<backend::VirtualRuntime>();
+  backend::VirtualOptions options;
+  options.overlapsWorkAside = true;
+  return std::make_unique<backend::VirtualRuntime>(options);
 }
 
 void printSummary(const SessionReport& report, const std::string& reportPath) {

@@ -63,7 +63,7 @@ void MovieRecorder::queueChange(Item item) {
 
 void MovieRecorder::waitForSpace() {
   const std::lock_guard guard(*mutex_);
-  while (!quit_ && heldFrames_ >= queueFrames_) spaceArrived_->wait(*mutex_);
+  while (!quit_ && heldFrames_ >= std::min(queueFrames_, kFramesAhead)) spaceArrived_->wait(*mutex_);
 }
 
 void MovieRecorder::push(const QTSampleBuffer& frame) {
@@ -94,7 +94,7 @@ std::int64_t MovieRecorder::droppedFrames() const {
 void MovieRecorder::run() {
   std::vector<Item> batch;
   while (takeBatch(batch)) {
-    for (const Item& item : batch) write(item);
+    write(batch);
   }
   finishFile(takeDropped());
 }
@@ -122,16 +122,20 @@ bool MovieRecorder::takeBatch(std::vector<Item>& batch) {
   return !batch.empty();
 }
 
-void MovieRecorder::write(const Item& item) {
-  switch (item.kind) {
-    case Item::Kind::open:
-      finishFile(item.droppedBefore);
-      return startFile(item.path);
-    case Item::Kind::close:
-      return finishFile(item.droppedBefore);
-    case Item::Kind::frame:
-      return appendFrame(item.frame);
+void MovieRecorder::write(std::span<const Item> items) {
+  while (!items.empty()) {
+    if (items.front().kind == Item::Kind::frame) {
+      items = items.subspan(appendFrames(items));
+    } else {
+      changeFile(items.front());
+      items = items.subspan(1);
+    }
   }
+}
+
+void MovieRecorder::changeFile(const Item& item) {
+  finishFile(item.droppedBefore);
+  if (item.kind == Item::Kind::open) startFile(item.path);
 }
 
 void MovieRecorder::startFile(const std::string& path) {
@@ -144,19 +148,28 @@ void MovieRecorder::startFile(const std::string& path) {
   }
 }
 
-void MovieRecorder::appendFrame(const QTSampleBuffer& frame) {
-  if (!file_) return;
-  if (!file_->error) {
-    if (Status status = writer_->append(frame); !status.ok()) fail(status.error());
+/// Writes the frames that the items begin with, and returns how many these are.
+std::size_t MovieRecorder::appendFrames(std::span<const Item> items) {
+  const auto change = std::ranges::find_if(items, [](const Item& item) { return item.kind != Item::Kind::frame; });
+  const auto count = static_cast<std::size_t>(change - items.begin());
+  if (!file_) return count;
+  std::size_t written = 0;
+  std::optional<Error> error = file_->error;
+  if (!error) {
+    runtime_.runAside([&] {
+      for (; written < count && !error; ++written) {
+        if (Status status = writer_->append(items[written].frame); !status.ok()) error = status.error();
+      }
+    });
+    if (error) --written;
+    if (error) fail(*error);
   }
   const std::lock_guard guard(*mutex_);
-  if (file_->error) {
-    ++file_->dropped;
-    ++dropped_;
-  } else {
-    ++file_->frames;
-    ++recorded_;
-  }
+  file_->frames += static_cast<std::int64_t>(written);
+  recorded_ += static_cast<std::int64_t>(written);
+  file_->dropped += static_cast<std::int64_t>(count - written);
+  dropped_ += static_cast<std::int64_t>(count - written);
+  return count;
 }
 
 void MovieRecorder::fail(const Error& error) {

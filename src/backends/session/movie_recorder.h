@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,10 @@ struct RecorderObserver {
 
 class MovieRecorder {
  public:
+  /// How far a source that can wait gets ahead: enough to read while another batch is written, and little enough for the
+  /// frames to be in the processor's cache still.
+  static constexpr std::size_t kFramesAhead = 24;
+
   /// Holds `queueFrames` frames at most, those that are being written among them.
   MovieRecorder(platform::Runtime& runtime, platform::MovieWriterFactory& writers, Log& log, RecorderObserver observer,
                 std::size_t queueFrames);
@@ -65,9 +70,10 @@ class MovieRecorder {
   void run();
   bool takeBatch(std::vector<Item>& batch);
   std::int64_t takeDropped();
-  void write(const Item& item);
+  void write(std::span<const Item> items);
+  void changeFile(const Item& item);
   void startFile(const std::string& path);
-  void appendFrame(const platform::QTSampleBuffer& frame);
+  std::size_t appendFrames(std::span<const Item> items);
   void finishFile(std::int64_t droppedFromQueue);
   void fail(const Error& error);
 

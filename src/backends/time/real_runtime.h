@@ -22,6 +22,7 @@ class RealRuntime final : public platform::Runtime {
   std::unique_ptr<platform::Condition> makeCondition(const std::string& name) override;
   /// The system shows the first 15 bytes of the name.
   std::unique_ptr<platform::Thread> startThread(const std::string& name, std::function<void()> run) override;
+  void runAside(const std::function<void()>& work) override { work(); }
 
  private:
   // Constant after construction. The loop takes its clock, mutex and condition from this runtime: it stays last.

@@ -21,6 +21,9 @@ struct VirtualOptions {
   std::uint64_t maxSteps = 0;
   /// The same with no time passing: a loop that waits for nothing never lets it pass. 0 is without bound.
   std::uint64_t maxStepsAtOneInstant = 1'000'000;
+  /// Lets work that asks for it run beside the thread whose turn it is, on another processor. Faster, but how far time
+  /// gets meanwhile is no more the seed's to say.
+  bool overlapsWorkAside = false;
   /// Called on the main thread with the report, before the threads are unwound. It may end the program, not block.
   std::function<void(const std::string& report)> onStuck;
 };

@@ -26,7 +26,8 @@ class Waitable {
 /// One thread that takes turns with the others; waiting for it is waiting for its end.
 class VirtualParticipant final : public Waitable {
  public:
-  enum class State { kReady, kRunning, kWaiting, kFinished };
+  /// Aside: at work beside the others, without the baton, which it will want back.
+  enum class State { kReady, kRunning, kWaiting, kAside, kFinished };
 
   VirtualParticipant(std::string participantName, std::size_t participantNumber)
       : name(std::move(participantName)), number(participantNumber) {}

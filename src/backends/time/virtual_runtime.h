@@ -33,6 +33,8 @@ class VirtualRuntime final : public platform::Runtime {
   std::unique_ptr<platform::Mutex> makeMutex(const std::string& name) override;
   std::unique_ptr<platform::Condition> makeCondition(const std::string& name) override;
   std::unique_ptr<platform::Thread> startThread(const std::string& name, std::function<void()> run) override;
+  /// Beside the others only when the options say so.
+  void runAside(const std::function<void()>& work) override { scheduler_.runAside(work); }
 
   /// How often a thread was chosen to go on.
   std::uint64_t steps() const { return scheduler_.steps(); }

@@ -27,6 +27,7 @@ std::string inSeconds(platform::TimePoint time) {
 
 std::string situationOf(const VirtualParticipant& participant) {
   std::string text = "'" + participant.name + "' ";
+  if (participant.state == VirtualParticipant::State::kAside) return text + "works aside";
   if (participant.state != VirtualParticipant::State::kWaiting) return text + "is ready to run";
   text += participant.waitsFor ? "waits for " + participant.waitsFor->description() : "sleeps";
   if (participant.deadline) text += " until " + inSeconds(*participant.deadline);
@@ -94,6 +95,54 @@ void VirtualScheduler::wake(VirtualParticipant& participant) {
   ready_.push_back(&participant);
 }
 
+// Without somebody else who could run, the baton stays, and the work is done as if it were not aside.
+void VirtualScheduler::runAside(const std::function<void()>& work) {
+  VirtualParticipant& self = running();
+  if (aside_ > 0) takeBack(false);
+  if (!options_.overlapsWorkAside || comesApart_ || (ready_.empty() && !nextDeadline())) return work();
+  self.state = VirtualParticipant::State::kAside;
+  ++aside_;
+  VirtualParticipant& next = chooseNext();
+  if (&next == &self) {  // The main thread, as the runtime comes to a stop.
+    self.state = VirtualParticipant::State::kRunning;
+    unwindOthers();
+    return giveUp();
+  }
+  release(next);
+  std::exception_ptr thrown;
+  try {
+    work();
+  } catch (...) {
+    thrown = std::current_exception();
+  }
+  comeBack(self);
+  if (thrown) std::rethrow_exception(thrown);
+}
+
+// Whoever has the baton finds this thread among those that are back, or unwinds it, and gives it the turn.
+void VirtualScheduler::comeBack(VirtualParticipant& self) {
+  {
+    const std::lock_guard guard(backMutex_);
+    back_.push_back(&self);
+  }
+  cameBack_.notify_one();
+  self.turn.acquire();
+  self.state = VirtualParticipant::State::kRunning;
+  if (!comesApart_) return;
+  if (&self == &mainThread()) unwindOthers();
+  giveUp();
+}
+
+void VirtualScheduler::takeBack(bool waitForOne) {
+  std::unique_lock lock(backMutex_);
+  if (waitForOne) cameBack_.wait(lock, [this] { return !back_.empty(); });
+  for (VirtualParticipant* participant : std::exchange(back_, {})) {
+    participant->state = VirtualParticipant::State::kReady;
+    ready_.push_back(participant);
+    --aside_;
+  }
+}
+
 void VirtualScheduler::join(VirtualParticipant& target) {
   if (target.state == VirtualParticipant::State::kFinished) return;
   joinQuietly(target);
@@ -147,7 +196,9 @@ VirtualParticipant& VirtualScheduler::chooseNext() {
   if (options_.maxSteps != 0 && steps_ == options_.maxSteps) {
     return stop("More than " + std::to_string(options_.maxSteps) + " steps");
   }
+  if (aside_ > 0) takeBack(false);
   if (ready_.empty()) passTime();
+  while (ready_.empty() && aside_ > 0) takeBack(true);
   if (ready_.empty()) return stop("Deadlock");
   if (options_.maxStepsAtOneInstant != 0 && stepsAtThisInstant_ == options_.maxStepsAtOneInstant) {
     return stop("More than " + std::to_string(options_.maxStepsAtOneInstant) + " steps with no time passing");
@@ -164,11 +215,16 @@ VirtualParticipant& VirtualScheduler::chooseNext() {
 }
 
 // Looks at every thread, without an index of the deadlines to keep: there are dozens of threads, not thousands.
-void VirtualScheduler::passTime() {
+std::optional<platform::TimePoint> VirtualScheduler::nextDeadline() const {
   std::optional<platform::TimePoint> next;
   for (const VirtualParticipant* participant : living_) {
     if (participant->deadline && (!next || *participant->deadline < *next)) next = participant->deadline;
   }
+  return next;
+}
+
+void VirtualScheduler::passTime() {
+  const std::optional<platform::TimePoint> next = nextDeadline();
   if (!next) return;
   now_ = *next;
   stepsAtThisInstant_ = 0;

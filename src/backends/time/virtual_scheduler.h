@@ -2,10 +2,12 @@
 // Who runs, and what time it is, in virtual time.
 
 #include <atomic>
+#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <random>
 #include <string>
@@ -39,6 +41,8 @@ class VirtualScheduler {
   /// at once when it is and the thread is being unwound.
   void block(const Waitable* waitsFor, std::optional<platform::TimePoint> deadline);
   void wake(VirtualParticipant& participant);
+  /// Gives the baton away for the time of `work`, if another thread can use it.
+  void runAside(const std::function<void()>& work);
   void join(VirtualParticipant& target);
   /// For destructors: as join(), but leaves a stop of the runtime to be thrown by the next call that blocks.
   void joinQuietly(VirtualParticipant& target);
@@ -57,6 +61,9 @@ class VirtualScheduler {
   void suspend(const Waitable* waitsFor, std::optional<platform::TimePoint> deadline);
   VirtualParticipant& chooseNext();
   void passTime();
+  std::optional<platform::TimePoint> nextDeadline() const;
+  void takeBack(bool waitForOne);
+  void comeBack(VirtualParticipant& self);
   void handOver(VirtualParticipant& self, VirtualParticipant& next);
   void release(VirtualParticipant& next);
   void finish(VirtualParticipant& self);
@@ -81,10 +88,16 @@ class VirtualScheduler {
   std::uint64_t steps_ = 0;
   std::uint64_t stepsAtThisInstant_ = 0;
   std::uint64_t traceHash_;
+  int aside_ = 0;  // How many threads are.
   bool comesApart_ = false;
   std::string report_;
   bool told_ = false;         // The report was thrown, printed or given to onStuck.
   std::uint64_t passes_ = 0;  // Calls that returned at once because their thread is being unwound.
+
+  // Guarded by backMutex_: the one place where a thread without the baton says something.
+  std::mutex backMutex_;
+  std::condition_variable cameBack_;
+  std::vector<VirtualParticipant*> back_;  // Threads whose work aside is done.
 };
 
 }  // namespace zq::backend

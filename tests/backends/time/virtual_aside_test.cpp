@@ -1,0 +1,136 @@
+// Work aside: what a thread does beside the one whose turn it is.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+#include "backends/time/real_runtime.h"
+#include "backends/time/virtual_runtime.h"
+
+namespace zq::backend {
+namespace {
+
+using std::chrono::seconds;
+
+VirtualOptions overlapping() {
+  VirtualOptions options;
+  options.overlapsWorkAside = true;
+  return options;
+}
+
+TEST(WorkAside, RunsAtOnceAndInTurnUnlessTheOptionsSayOtherwise) {
+  VirtualRuntime runtime;
+  std::vector<int> order;
+  const auto other = runtime.startThread("other", [&] { order.push_back(2); });
+  runtime.runAside([&] { order.push_back(1); });
+  other->join();
+  EXPECT_EQ(order, (std::vector<int>{1, 2}));
+}
+
+TEST(WorkAside, LetsAnotherThreadRunBesideIt) {
+  VirtualRuntime runtime(overlapping());
+  std::atomic<bool> otherRan{false};
+  const auto other = runtime.startThread("other", [&] {
+    otherRan = true;
+    otherRan.notify_all();
+  });
+  // Would never end if the other thread had to wait for it.
+  runtime.runAside([&] { otherRan.wait(false); });
+  EXPECT_TRUE(otherRan);
+}
+
+TEST(WorkAside, LetsTimePassMeanwhile) {
+  VirtualRuntime runtime(overlapping());
+  std::atomic<bool> slept{false};
+  const auto other = runtime.startThread("other", [&] {
+    runtime.clock().sleepFor(seconds(3600));
+    slept = true;
+    slept.notify_all();
+  });
+  runtime.runAside([&] { slept.wait(false); });
+  EXPECT_EQ(runtime.clock().now().time_since_epoch(), seconds(3600));
+}
+
+TEST(WorkAside, IsWaitedForWhenNothingElseCanGoOn) {
+  VirtualRuntime runtime(overlapping());
+  const auto mutex = runtime.makeMutex("state");
+  const auto changed = runtime.makeCondition("state changed");
+  bool done = false;
+  std::atomic<bool> mainWaits{false};
+  const auto worker = runtime.startThread("worker", [&] {
+    runtime.runAside([&] { mainWaits.wait(false); });
+    mutex->lock();
+    done = true;
+    changed->notifyAll();
+    mutex->unlock();
+  });
+  const auto witness = runtime.startThread("witness", [&] {
+    runtime.clock().sleepFor(seconds(1));
+    mainWaits = true;
+    mainWaits.notify_all();
+  });
+  mutex->lock();
+  while (!done) changed->wait(*mutex);
+  mutex->unlock();
+  EXPECT_TRUE(done) << "no deadlock was found while a thread worked aside";
+}
+
+TEST(WorkAside, HandsItsExceptionOn) {
+  for (const bool overlaps : {false, true}) {
+    VirtualOptions options;
+    options.overlapsWorkAside = overlaps;
+    VirtualRuntime runtime(options);
+    const auto other = runtime.startThread("other", [] {});
+    EXPECT_THROW(runtime.runAside([] { throw std::runtime_error("disk"); }), std::runtime_error);
+    other->join();
+  }
+}
+
+TEST(WorkAside, EndsBeforeARuntimeThatIsStuckIsTakenApart) {
+  VirtualRuntime runtime(overlapping());
+  const auto never = runtime.makeCondition("never");
+  std::atomic<int> ended{0};
+  const auto worker = runtime.startThread("worker", [&] {
+    for (int i = 0; i < 100; ++i) runtime.runAside([&] { ++ended; });
+    const auto mutex = runtime.makeMutex("mine");
+    mutex->lock();
+    never->wait(*mutex);
+  });
+  const auto sleeper = runtime.startThread("sleeper", [&] { runtime.clock().sleepFor(seconds(1)); });
+  EXPECT_THROW(runtime.mainLoop().run(), StuckError);
+  EXPECT_EQ(ended, 100);
+}
+
+TEST(WorkAside, ManyThreadsAtItKeepTheirOrder) {
+  VirtualRuntime runtime(overlapping());
+  const auto mutex = runtime.makeMutex("sum");
+  int sum = 0;
+  std::vector<std::unique_ptr<platform::Thread>> threads;
+  for (int t = 0; t < 8; ++t) {
+    threads.push_back(runtime.startThread("adder", [&] {
+      for (int i = 0; i < 200; ++i) {
+        int aside = 0;
+        runtime.runAside([&] { aside = 1; });
+        mutex->lock();
+        sum += aside;
+        mutex->unlock();
+        if (i % 10 == 0) runtime.clock().sleepFor(seconds(1));
+      }
+    }));
+  }
+  for (const auto& thread : threads) thread->join();
+  EXPECT_EQ(sum, 8 * 200);
+}
+
+TEST(WorkAside, IsPlainWorkInRealTime) {
+  RealRuntime runtime;
+  bool ran = false;
+  runtime.runAside([&] { ran = true; });
+  EXPECT_TRUE(ran);
+}
+
+}  // namespace
+}  // namespace zq::backend
