@@ -13,8 +13,8 @@
 #include "support/capture_movies.h"
 #include "support/capture_push_device.h"
 #include "support/capture_recorders.h"
-#include "support/capture_scratch.h"
 #include "support/capture_tape.h"
+#include "support/scratch_folder.h"
 
 namespace zq::test {
 namespace {
@@ -101,7 +101,7 @@ class RealThreads : public testing::Test {
     }
   }
 
-  CaptureScratch scratch_;
+  ScratchFolder scratch_;
   CaptureJournal journal_;
   CaptureLog log_;
   RecordingAlerts alerts_{journal_};

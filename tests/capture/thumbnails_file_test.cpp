@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 
 #include "support/capture_buffers.h"
-#include "support/capture_scratch.h"
+#include "support/scratch_folder.h"
 
 namespace zq::test {
 namespace {
@@ -24,7 +24,7 @@ class ThumbnailsFileTest : public testing::Test {
     file.append(bytesOf(content));
   }
 
-  CaptureScratch scratch_;
+  ScratchFolder scratch_;
   const std::string path_ = scratch_.file("clip.thumbs");
 };
 

@@ -43,7 +43,7 @@ TEST_F(CaptureRefusals, ATapeThatIsNotThere) {
 }
 
 TEST_F(CaptureRefusals, AFolderAsATape) {
-  expectRefused(runDeckhand(folder, words("tape:" + folder.path().string())), 1, "is a folder, not a tape image");
+  expectRefused(runDeckhand(folder, words("tape:" + folder.path())), 1, "is a folder, not a tape image");
 }
 
 TEST_F(CaptureRefusals, AnEmptyFile) {

@@ -11,14 +11,14 @@ const DateValue kDate = std::make_shared<const CalendarDate>(2004, 7, 15, 13, 30
 
 TEST(ClipFiles, NamesADatedClipByItsDateAndAnUndatedOneByTheTape) {
   const test::ProgramFolder folder;
-  const ClipFiles files(folder.path().string(), "mov", "holiday");
+  const ClipFiles files(folder.path(), "mov", "holiday");
   EXPECT_EQ(files.freeStem(kDate, 3), "2004-07-15T13-30-45");
   EXPECT_EQ(files.freeStem(nullptr, 3), "holiday-0003");
 }
 
 TEST(ClipFiles, ATakenNameGetsACounterForMovieAndThumbnailsTogether) {
   const test::ProgramFolder folder;
-  const ClipFiles files(folder.path().string(), "mov", "holiday");
+  const ClipFiles files(folder.path(), "mov", "holiday");
   test::writeText(folder / "2004-07-15T13-30-45.thumbnails.dv", "mine");
   EXPECT_EQ(files.freeStem(kDate, 1), "2004-07-15T13-30-45-2");
   test::writeText(folder / "2004-07-15T13-30-45-2.mov", "mine");
@@ -27,14 +27,14 @@ TEST(ClipFiles, ATakenNameGetsACounterForMovieAndThumbnailsTogether) {
 
 TEST(ClipFiles, ANameWhoseContinuationIsTakenIsTaken) {
   const test::ProgramFolder folder;
-  const ClipFiles files(folder.path().string(), "mov", "holiday");
+  const ClipFiles files(folder.path(), "mov", "holiday");
   test::writeText(folder / "2004-07-15T13-30-45-part2.mov", "mine");
   EXPECT_EQ(files.freeStem(kDate, 1), "2004-07-15T13-30-45-2");
 }
 
 TEST(ClipFiles, WorkingNamesOfAnEarlierCaptureThatWasKilledAreLeftAlone) {
   const test::ProgramFolder folder;
-  ClipFiles files(folder.path().string(), "mov", "holiday");
+  ClipFiles files(folder.path(), "mov", "holiday");
   test::writeText(files.workingNames(1).movie, "all that is left of a tape");
   EXPECT_EQ(files.workingNames(1).movie, folder / "capturing-0001-2.mov");
 }

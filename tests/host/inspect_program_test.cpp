@@ -94,7 +94,7 @@ TEST_F(InspectProgram, PrintsATableForPeople) {
 
 TEST_F(InspectProgram, RefusesWhatIsNoTape) {
   writeText(folder / "letter.dv", std::string(300000, 'a'));
-  for (const std::string& tape : {folder / "nowhere.dv", folder.path().string(), folder / "letter.dv"}) {
+  for (const std::string& tape : {folder / "nowhere.dv", folder.path(), folder / "letter.dv"}) {
     const ProgramResult result = inspect(tape);
     EXPECT_EQ(result.exitCode, 1) << tape;
     EXPECT_EQ(result.out, "") << tape;

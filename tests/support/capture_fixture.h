@@ -20,7 +20,7 @@
 #include "support/capture_fakes.h"
 #include "support/capture_journal.h"
 #include "support/capture_recorders.h"
-#include "support/capture_scratch.h"
+#include "support/scratch_folder.h"
 
 namespace zq::test {
 
@@ -99,7 +99,7 @@ class CaptureTest : public testing::Test {
   FakeMovieFileOutput& fileOutput() { return *platform_.parts.fileOutputs.at(0); }
   FakeMovieFileOutput& movieFileOutput() { return *platform_.parts.fileOutputs.at(1); }
 
-  CaptureScratch scratch_;
+  ScratchFolder scratch_;
   CaptureJournal journal_;
   backend::VirtualRuntime runtime_;
   backend::MemorySettings settings_{runtime_};

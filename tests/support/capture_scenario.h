@@ -19,8 +19,8 @@
 #include "outlets/plain_outlets.h"
 #include "support/capture_movies.h"
 #include "support/capture_recorders.h"
-#include "support/capture_scratch.h"
 #include "support/capture_tape.h"
+#include "support/scratch_folder.h"
 
 namespace zq::test {
 
@@ -117,7 +117,7 @@ class CaptureScenario {
   }
 
   const TapeRecipe tape_;
-  CaptureScratch scratch_;
+  ScratchFolder scratch_;
   backend::VirtualRuntime runtime_;
   platform::NotificationCenter notifications_;
   FakeStrings strings_;

@@ -18,37 +18,9 @@
 
 #include "dv/dv_system.h"
 #include "support/dv_frames.h"
+#include "support/scratch_folder.h"
 
 namespace zq::test {
-
-/// A folder that goes with the test.
-class DeckFolder {
- public:
-  DeckFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "deckhand-deck-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no scratch folder");
-    path_ = pattern;
-  }
-  ~DeckFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  DeckFolder(const DeckFolder&) = delete;
-  DeckFolder& operator=(const DeckFolder&) = delete;
-
-  std::string path() const { return path_.string(); }
-  std::string file(const std::string& name) const { return (path_ / name).string(); }
-
-  /// Writes a file with these bytes and returns its path.
-  std::string fileWith(const std::string& name, std::span<const std::uint8_t> bytes) const {
-    std::ofstream out(file(name), std::ios::binary);
-    out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    return file(name);
-  }
-
- private:
-  std::filesystem::path path_;
-};
 
 /// Where a frame made here carries its number: in a video block of its first sequence.
 inline constexpr std::size_t kDeckNumberAt = 7 * BLOCKS_SIZE + 20;

@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "support/scratch_folder.h"
+
 extern char** environ;  // NOLINT(readability-redundant-declaration)
 
 namespace zq::test {
@@ -25,26 +27,12 @@ struct ProgramResult {
   std::string err;
 };
 
-/// A folder of the test's own, gone with it, which is also the home of the program's settings.
-class ProgramFolder {
+/// A scratch folder, which is also the home of the program's settings.
+class ProgramFolder : public ScratchFolder {
  public:
-  ProgramFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "deckhand-test-XXXXXX").string();
-    path_ = ::mkdtemp(pattern.data());
-    std::filesystem::create_directory(path_ / "settings");
-  }
-  ~ProgramFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  ProgramFolder(const ProgramFolder&) = delete;
-  ProgramFolder& operator=(const ProgramFolder&) = delete;
+  ProgramFolder() { std::filesystem::create_directory(file("settings")); }
 
-  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
-  const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
+  std::string operator/(const std::string& name) const { return file(name); }
 };
 
 inline std::string readText(const std::string& path) {

@@ -12,7 +12,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using test::DeckDelivery;
-using test::DeckFolder;
 using test::DeckRig;
 using test::DeckSink;
 using test::DeckTape;
@@ -20,6 +19,7 @@ using test::deckTick;
 using test::kDeckPause;
 using test::kDeckPlay;
 using test::kDeckStop;
+using test::ScratchFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -36,7 +36,7 @@ class DeckDeliveries : public testing::Test {
     };
   }
 
-  DeckFolder folder_;
+  ScratchFolder folder_;
 };
 
 TEST_F(DeckDeliveries, StopStreamingDoesNotWaitAndWaitForDeliveryDoes) {

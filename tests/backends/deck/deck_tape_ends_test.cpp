@@ -11,7 +11,6 @@ namespace {
 using namespace std::chrono_literals;
 using platform::AVCTransportControls;
 using test::DeckDelivery;
-using test::DeckFolder;
 using test::DeckNotice;
 using test::DeckRig;
 using test::DeckTape;
@@ -22,6 +21,7 @@ using test::kDeckReverse;
 using test::kDeckRewind;
 using test::kDeckStop;
 using test::kDeckWind;
+using test::ScratchFolder;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -32,7 +32,7 @@ class DeckTapeEnds : public testing::Test {
  protected:
   std::string tapeOf(std::int64_t frames) { return DeckTape(folder_.file("tape.dv")).add(kPal, frames).path(); }
 
-  DeckFolder folder_;
+  ScratchFolder folder_;
 };
 
 TEST_F(DeckTapeEnds, PlayingStopsBehindTheLastFrameAndSaysSo) {

@@ -12,7 +12,6 @@ using namespace std::chrono_literals;
 using platform::AVCTransportControls;
 using platform::Duration;
 using test::DeckDelivery;
-using test::DeckFolder;
 using test::DeckRig;
 using test::DeckTape;
 using test::deckTick;
@@ -22,6 +21,7 @@ using test::kDeckReverse;
 using test::kDeckRewind;
 using test::kDeckStop;
 using test::kDeckWind;
+using test::ScratchFolder;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
@@ -80,7 +80,7 @@ class DeckTransport : public testing::Test {
     return rig.sink.numbers();
   }
 
-  DeckFolder folder_;
+  ScratchFolder folder_;
 };
 
 class DeckTransportRow : public DeckTransport,

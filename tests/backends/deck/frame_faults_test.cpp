@@ -15,10 +15,10 @@ namespace zq::backend {
 namespace {
 
 using namespace std::chrono_literals;
-using test::DeckFolder;
 using test::DeckRig;
 using test::DeckTape;
 using test::kDeckPlay;
+using test::ScratchFolder;
 
 constexpr DVSystem kPal = DVSystem::pal625_50;
 constexpr DVSystem kNtsc = DVSystem::ntsc525_60;
@@ -179,7 +179,7 @@ class FaultyDeck : public testing::Test {
     return rig.sink.numbers();
   }
 
-  DeckFolder folder_;
+  ScratchFolder folder_;
 };
 
 TEST_F(FaultyDeck, DropsFramesWithoutLosingItsPlace) {

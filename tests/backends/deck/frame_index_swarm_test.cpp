@@ -10,8 +10,8 @@
 namespace zq::backend {
 namespace {
 
-using test::DeckFolder;
 using test::DeckTape;
+using test::ScratchFolder;
 using Frame = DeckTape::Frame;
 
 /// Runs of both systems with damaged frames; two neighbours around a change of system are never both damaged.
@@ -73,7 +73,7 @@ class FrameIndexSwarm : public testing::TestWithParam<std::uint64_t> {};
 INSTANTIATE_TEST_SUITE_P(FromSeed, FrameIndexSwarm, testing::Range<std::uint64_t>(0, 300, kSeedsATest));
 
 TEST_P(FrameIndexSwarm, FindsEveryFrameOfARandomTape) {
-  const DeckFolder folder;
+  const ScratchFolder folder;
   for (std::uint64_t seed = GetParam(); seed < GetParam() + kSeedsATest; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     DeckTape tape(folder.file("tape.dv"));

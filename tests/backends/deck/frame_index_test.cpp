@@ -17,8 +17,8 @@ inline void PrintTo(const FrameLocation& location, std::ostream* out) {
 
 namespace {
 
-using test::DeckFolder;
 using test::DeckTape;
+using test::ScratchFolder;
 using Frame = DeckTape::Frame;
 
 constexpr DVSystem kPal = DVSystem::pal625_50;
@@ -58,7 +58,7 @@ class FrameIndexing : public testing::TestWithParam<DVSystem> {
   DVSystem system() const { return GetParam(); }
   DVSystem other() const { return system() == kPal ? kNtsc : kPal; }
 
-  DeckFolder folder_;
+  ScratchFolder folder_;
   DeckTape tape_{folder_.file("tape.dv")};
 };
 
@@ -181,7 +181,7 @@ TEST_P(FrameIndexing, BytesAfterTheLastFrameAreCounted) {
 
 // 120000 bytes of a 625/50 frame are as many as a whole 525/60 frame has.
 TEST(FrameIndexAtTheEnd, A625FrameCutByTheDifferenceOfTheSystemsIsNo525Frame) {
-  const DeckFolder folder;
+  const ScratchFolder folder;
   DeckTape tape(folder.file("tape.dv"));
   const std::string path = tape.add(kPal, 4).path();
   tape.setSize(tape.size() - 24000);
@@ -193,7 +193,7 @@ TEST(FrameIndexAtTheEnd, A625FrameCutByTheDifferenceOfTheSystemsIsNo525Frame) {
 }
 
 TEST(FrameIndexAtTheEnd, ABlankFrameOfTheOtherSystemCanEndATape) {
-  const DeckFolder folder;
+  const ScratchFolder folder;
   DeckTape tape(folder.file("tape.dv"));
   const std::string path = tape.add(kPal, 3).blank(kNtsc).path();
   auto image = TapeImage::open(path);
@@ -235,7 +235,7 @@ TEST_P(FrameIndexing, GoingFromFrameToFrameFindsTheSameOnes) {
 
 // Nothing but the headers is read of thirteen hours of tape.
 TEST(FrameIndexOfALongTape, OpensAtOnceAndFindsAFarFrame) {
-  const DeckFolder folder;
+  const ScratchFolder folder;
   DeckTape tape(folder.file("long.dv"));
   const std::string path = tape.add(kPal, 3).path();
   constexpr std::int64_t kFrames = 100'000;

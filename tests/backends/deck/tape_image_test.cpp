@@ -16,9 +16,9 @@
 namespace zq::backend {
 namespace {
 
-using test::DeckFolder;
 using test::DeckTape;
 using test::FrameBytes;
+using test::ScratchFolder;
 using testing::HasSubstr;
 
 constexpr DVSystem kPal = DVSystem::pal625_50;
@@ -35,7 +35,7 @@ class TapeImages : public testing::Test {
     return tape.frameBytes(*tape.locate(number).value());
   }
 
-  DeckFolder folder_;
+  ScratchFolder folder_;
 };
 
 TEST_F(TapeImages, FramesAreTheBytesOfTheFile) {

@@ -13,9 +13,9 @@
 namespace zq::backend {
 namespace {
 
-using test::DeckFolder;
 using test::DeckTape;
 using test::FrameBytes;
+using test::ScratchFolder;
 using testing::AllOf;
 using testing::HasSubstr;
 
@@ -37,7 +37,7 @@ class TapeRecognition : public testing::Test {
     return bytes;
   }
 
-  DeckFolder folder_;
+  ScratchFolder folder_;
 };
 
 TEST_F(TapeRecognition, AMissingFileIsNamed) {

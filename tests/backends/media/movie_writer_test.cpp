@@ -12,9 +12,9 @@
 #include <tuple>
 
 #include "backends/media/movie_writer_factory.h"
+#include "backends/media/small_disk.h"
 #include "made_clips.h"
 #include "movie_reader.h"
-#include "scratch_folder.h"
 #include "support/dv_frames.h"
 #include "support/dv_recording_log.h"
 

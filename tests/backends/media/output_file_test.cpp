@@ -9,7 +9,7 @@
 #include <fstream>
 #include <vector>
 
-#include "scratch_folder.h"
+#include "backends/media/small_disk.h"
 #include "support/dv_frames.h"
 
 namespace zq::media {

@@ -14,10 +14,10 @@ extern "C" {
 
 #include "backends/media/picture_shape.h"
 #include "backends/media/scene_sound.h"
+#include "backends/media/small_disk.h"
 #include "dv/frame_sound.h"
 #include "dv/frame_timecode.h"
 #include "dv/recording_date_scan.h"
-#include "scratch_folder.h"
 #include "support/dv_frames.h"
 #include "timecode/timecode_text.h"
 

@@ -1,5 +1,5 @@
 #pragma once
-// Places for a test to write to: a folder that goes with the test, and disks with less room than the real one.
+// Disks with less room than the real one.
 
 #include <gtest/gtest.h>
 #include <sys/mount.h>
@@ -7,35 +7,12 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <system_error>
 
+#include "support/scratch_folder.h"
+
 namespace zq::test {
-
-class ScratchFolder {
- public:
-  ScratchFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "deckhand-test-XXXXXX").string();
-    if (!mkdtemp(pattern.data())) throw std::runtime_error("no scratch folder");
-    path_ = pattern;
-  }
-  ~ScratchFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  ScratchFolder(const ScratchFolder&) = delete;
-  ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-  const std::filesystem::path& path() const { return path_; }
-  std::string file(const std::string& name) const { return (path_ / name).string(); }
-  bool isEmpty() const { return std::filesystem::is_empty(path_); }
-
- private:
-  std::filesystem::path path_;
-};
 
 /// A file system of its own in a scratch folder, where the test may mount one.
 class ScratchDisk {
