@@ -123,7 +123,7 @@ class CaptureCommand {
 
   int tellEnd(const CaptureRun& run, const SessionReport& report) {
     std::vector<std::string> lines = run.findings().lines();
-    for (std::string& line : run.incompleteClips(report)) lines.push_back(std::move(line));
+    for (std::string& line : run.missingFrames(report)) lines.push_back(std::move(line));
     for (const std::string& line : lines) console_.warning(options_.device + ": " + line);
     if (run.error()) {
       return failed({"The capture ended early after " + std::to_string(report.recorded) +

@@ -147,8 +147,14 @@ TapeFindings CaptureRun::findings() const {
   return findings;
 }
 
-std::vector<std::string> CaptureRun::incompleteClips(const SessionReport& report) const {
+std::vector<std::string> CaptureRun::missingFrames(const SessionReport& report) const {
   std::vector<std::string> lines;
+  std::int64_t outside = report.delivered;
+  for (const CapturedClip& clip : report.clips) outside -= clip.tapeFrames;
+  const auto cuts = static_cast<std::int64_t>(report.clips.size()) + 1;
+  if (outside > cuts * CaptureSettings(setup_.settings).nbDropFrame()) {
+    lines.push_back(fmt::format("{} of {} frames belong to no clip", outside, report.delivered));
+  }
   for (const CapturedClip& clip : report.clips) {
     if (clip.moviePath.empty() || clip.movieFrames == clip.tapeFrames) continue;
     lines.push_back(fmt::format("the movie {} has {} of the {} frames that the tape played", clip.moviePath,

@@ -44,8 +44,9 @@ class CaptureRun {
   /// After run().
   const std::optional<Error>& error() const { return error_; }
   TapeFindings findings() const;
-  /// Clips whose movie lacks frames that the tape played, a line each.
-  std::vector<std::string> incompleteClips(const SessionReport& report) const;
+  /// What of the tape the files lack, a line each: frames missing from a clip's movie, and more frames outside all
+  /// clips than the settings leave out.
+  std::vector<std::string> missingFrames(const SessionReport& report) const;
 
  private:
   struct Parts;

@@ -184,6 +184,20 @@ TEST_F(CaptureProgram, FramesAfterACutAreLeftOutWhenAsked) {
   EXPECT_EQ(clipFile(clips.at(1), "moviePath"), bytesOf(frames, 35, 60));
 }
 
+TEST_F(CaptureProgram, FramesThatNoClipTookAreTold) {
+  auto frames = framesOf({{30, kFirst, timecodeOf(0, 0, 0, 0)}});
+  for (ScriptFrame& frame : frames) {
+    for (int sequence = 0; sequence < 12; ++sequence)
+      setSubcodePack(frame.bytes, sequence, 0, {0x13, 0x00, 0x00, 0x00, 0x00});
+    for (int sequence = 0; sequence < 6; ++sequence)
+      setSubcodePackInAllSlots(frame.bytes, sequence, {0x13, 0x00, 0x00, 0x00, 0x00});
+  }
+  // The timecode stands still, so it never comes by the place that is 5 frames on.
+  const ProgramResult result = capture(frames, {"--set", "nbDropFrame=5"});
+  EXPECT_EQ(result.exitCode, 3);
+  EXPECT_NE(result.err.find("30 of 30 frames belong to no clip"), std::string::npos) << result.err;
+}
+
 TEST_F(CaptureProgram, AnUndatedLeadInIsAClipNamedByTheTape) {
   const auto frames = framesOf({{8, std::nullopt, timecodeOf(0, 0, 0, 0)}, {8, kFirst, timecodeOf(0, 0, 0, 8)}});
   const ProgramResult result = capture(frames, {"--format", "dv"});
