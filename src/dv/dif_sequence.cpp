@@ -57,8 +57,9 @@ bool isExpectedSection(std::uint32_t blockIndex, std::int32_t sectionType) {
   return sectionType == kAudioSection || sectionType == kVideoSection;
 }
 
-void warn(Log* log, std::string_view text, std::int32_t first, std::int32_t second) {
-  if (log != nullptr) log->write(LogLevel::warning, fmt::format(fmt::runtime(text), first, second));
+// Information, not a warning: a blank frame tells thirty of these, and whoever decodes a tape knows what it adds up to.
+void tell(Log* log, std::string_view text, std::int32_t first, std::int32_t second) {
+  if (log != nullptr) log->write(LogLevel::info, fmt::format(fmt::runtime(text), first, second));
 }
 
 }  // namespace
@@ -127,7 +128,7 @@ void DVDifSequence::decodeSubCodeSection() {
   const DVDifSequenceBlock first = getBlockAt(1);
   const DVDifSequenceBlock second = getBlockAt(2);
   if (first.sectionType() != kSubcodeSection || second.sectionType() != kSubcodeSection) {
-    warn(log_, "Cannot decode subcode for SC0 and SC1 of type {} and {}", first.sectionType(), second.sectionType());
+    tell(log_, "Cannot decode subcode for SC0 and SC1 of type {} and {}", first.sectionType(), second.sectionType());
     return;
   }
   decodeSubCodeSection(first);
@@ -199,9 +200,9 @@ void DVDifSequence::decodeVauxSection() {
     return;
   }
   const auto blockIndex = static_cast<std::int32_t>(place.block);
-  warn(log_, "Cannot decode Vaux Source Control Pack for VA of type {} at block number {}", block.sectionType(),
+  tell(log_, "Cannot decode Vaux Source Control Pack for VA of type {} at block number {}", block.sectionType(),
        blockIndex);
-  warn(log_, "Cannot decode Vaux Source Pack for VA of type {} at block number {}", block.sectionType(), blockIndex);
+  tell(log_, "Cannot decode Vaux Source Pack for VA of type {} at block number {}", block.sectionType(), blockIndex);
 }
 
 void DVDifSequence::decodeVauxSourcePackAtByteOffset(const DVDifSequenceBlock& block, std::uint32_t byteOffset) {

@@ -23,7 +23,8 @@ constexpr char kTapePrefix[] = "tape:";
 
 Expected<std::shared_ptr<backend::TapeImage>> openDevice(const std::string& device) {
   if (!device.starts_with(kTapePrefix)) {
-    return Error{"There is no device \"" + device + "\"", "A tape image is played as tape:PATH."};
+    return Error{"There is no device \"" + device + "\"",
+                 "A tape image is played as tape:PATH, as in tape:" + (device.empty() ? "holiday.dv" : device) + "."};
   }
   return backend::TapeImage::open(device.substr(sizeof(kTapePrefix) - 1));
 }
@@ -39,11 +40,15 @@ Expected<std::vector<SettingChange>> parseSettings(const std::vector<std::string
 }
 
 /// The live settings as they are at the start, and the changes for this run only. A run keeps what it began with.
-void layRunSettings(backend::LayeredSettings& run, const std::vector<SettingChange>& changes) {
-  for (const std::string& key : settingKeys()) {
-    if (auto value = run.objectForKey(key)) run.overlayObjectForKey(key, std::move(*value));
-  }
+Status layRunSettings(backend::LayeredSettings& run, const std::vector<SettingChange>& changes) {
   for (const SettingChange& change : changes) run.overlayObjectForKey(change.key, change.value);
+  for (const std::string& key : settingKeys()) {
+    auto value = run.objectForKey(key);
+    if (!value) continue;
+    if (Status status = checkStored(key, *value); !status.ok()) return status;
+    run.overlayObjectForKey(key, std::move(*value));
+  }
+  return {};
 }
 
 std::unique_ptr<platform::Runtime> makeRuntime(bool realTime) {
@@ -53,16 +58,17 @@ std::unique_ptr<platform::Runtime> makeRuntime(bool realTime) {
   return std::make_unique<backend::VirtualRuntime>(options);
 }
 
+// Fits a terminal of 80 columns; a clip's date is in its name.
 void printSummary(const SessionReport& report, const std::string& reportPath) {
-  fmt::print("{:>4}  {:<19}  {:<11}  {:<11}  {:>8}  {:>6}  {}\n", "clip", "recorded", "from", "to", "frames", "thumbs",
-             "movie");
+  fmt::print("{:>4}  {:<11}  {:<11}  {:>7}  {:>6}  {}\n", "clip", "from", "to", "frames", "thumbs", "file");
   for (const CapturedClip& clip : report.clips) {
-    fmt::print("{:>4}  {:<19}  {:<11}  {:<11}  {:>8}  {:>6}  {}\n", clip.info.clipId.value_or(""),
-               textOf(clip.info.clipRecordingDate), textOf(clip.info.clipStartTimecode),
-               textOf(clip.info.clipEndTimecode), clip.movieFrames, clip.thumbnailFrames, clip.moviePath);
+    fmt::print("{:>4}  {:<11}  {:<11}  {:>7}  {:>6}  {}\n", clip.info.clipId.value_or(""),
+               textOf(clip.info.clipStartTimecode), textOf(clip.info.clipEndTimecode), clip.movieFrames,
+               clip.thumbnailFrames, clip.moviePath.empty() ? clip.thumbnailPath : clip.moviePath);
   }
-  fmt::print("\n{} clips, {} frames played, {} recorded, {} dropped; report: {}\n", report.clips.size(),
-             report.delivered, report.recorded, report.dropped, reportPath);
+  fmt::print("\n{}, {} played, {} recorded, {} dropped\nReport: {}\n",
+             counted(static_cast<std::int64_t>(report.clips.size()), "clip"), counted(report.delivered, "frame"),
+             report.recorded, report.dropped, reportPath);
 }
 
 /// One capture, from options that were found right.
@@ -82,7 +88,7 @@ class CaptureCommand {
     const auto stored = module.value()->makeUserSettings(*runtime);
     ZQACController::initialize(*stored);
     backend::LayeredSettings settings(*runtime, *stored);
-    layRunSettings(settings, changes);
+    if (Status status = layRunSettings(settings, changes); !status.ok()) return failed(status.error());
     const auto writers = module.value()->makeMovieWriters(console_);
     backend::RealRuntime wall;
     const Interrupts interrupts;
@@ -92,7 +98,10 @@ class CaptureCommand {
                     }});
     SessionReport report = run.run();
     report.format = options_.format;
-    return finish(run, report, settings);
+    report.findings = run.findings().lines();
+    for (std::string& line : run.missingFrames(report)) report.findings.push_back(std::move(line));
+    if (run.error()) report.error = run.error()->text();
+    return finish(report, settings);
   }
 
  private:
@@ -107,7 +116,7 @@ class CaptureCommand {
     return kExitFailed;
   }
 
-  int finish(const CaptureRun& run, const SessionReport& report, const platform::Settings& settings) {
+  int finish(const SessionReport& report, const platform::Settings& settings) {
     const std::string text =
         report.json(settings).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
     const auto path = reportFile_.write(text);
@@ -118,20 +127,18 @@ class CaptureCommand {
     }
     std::fflush(stdout);
     if (!path.ok()) return failed(path.error());
-    return tellEnd(run, report);
+    return tellEnd(report);
   }
 
-  int tellEnd(const CaptureRun& run, const SessionReport& report) {
-    std::vector<std::string> lines = run.findings().lines();
-    for (std::string& line : run.missingFrames(report)) lines.push_back(std::move(line));
-    for (const std::string& line : lines) console_.warning(options_.device + ": " + line);
-    if (run.error()) {
-      return failed({"The capture ended early after " + std::to_string(report.recorded) +
-                         " recorded frames, which are complete in " + files_.folder(),
-                     run.error()->text()});
+  int tellEnd(const SessionReport& report) {
+    for (const std::string& line : report.findings) console_.warning(options_.device + ": " + line);
+    if (!report.error.empty()) {
+      return failed({"The capture ended early after " + counted(report.recorded, "recorded frame") + ", complete in " +
+                         files_.folder(),
+                     report.error});
     }
     if (report.ended == "interrupted") return kExitInterrupted;
-    return lines.empty() && report.dropped == 0 ? kExitOk : kExitFindings;
+    return report.findings.empty() && report.dropped == 0 ? kExitOk : kExitFindings;
   }
 
   const CaptureOptions& options_;

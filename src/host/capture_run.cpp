@@ -155,6 +155,9 @@ std::vector<std::string> CaptureRun::missingFrames(const SessionReport& report) 
   if (outside > cuts * CaptureSettings(setup_.settings).nbDropFrame()) {
     lines.push_back(fmt::format("{} of {} frames belong to no clip", outside, report.delivered));
   }
+  if (report.recorded == 0 && report.delivered > 0 && CaptureSettings(setup_.settings).captureMovie()) {
+    lines.emplace_back("no movie was recorded");
+  }
   for (const CapturedClip& clip : report.clips) {
     if (clip.moviePath.empty() || clip.movieFrames == clip.tapeFrames) continue;
     lines.push_back(fmt::format("the movie {} has {} of the {} frames that the tape played", clip.moviePath,

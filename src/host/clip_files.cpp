@@ -36,8 +36,10 @@ ClipFiles::ClipFiles(std::string folder, std::string extension, std::string tape
 Status ClipFiles::prepare() {
   std::error_code failed;
   fs::create_directories(folder_, failed);
-  if (failed) return Error{"Cannot make the output folder " + folder_, failed.message()};
-  if (!fs::is_directory(folder_, failed)) return Error{folder_ + " is not a folder", "Name a folder with --output."};
+  if (failed)
+    return Error{"Cannot make the output folder " + folder_, failed.message() + ". Name another with --output."};
+  if (!fs::is_directory(folder_, failed))
+    return Error{folder_ + " is not a folder", "Name another folder with --output."};
   if (::access(folder_.c_str(), W_OK | X_OK) != 0) {
     return Error{"Cannot write into the output folder " + folder_, std::strerror(errno)};
   }

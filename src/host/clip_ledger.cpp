@@ -5,6 +5,7 @@
 #include <mutex>
 #include <system_error>
 
+#include "backends/deck/frame_index.h"
 #include "backends/session/movie_file_output.h"
 
 namespace zq::host {
@@ -22,6 +23,18 @@ std::uintmax_t sizeOf(const std::string& path) {
 bool exists(const std::string& path) {
   std::error_code failed;
   return fs::exists(path, failed);
+}
+
+/// Frames laid end to end, of one system or, in a clip that changes system, of both.
+std::int64_t framesIn(const std::string& path, std::size_t frameBytes) {
+  auto tape = backend::openTape(path);
+  if (!tape.ok()) return frameBytes == 0 ? 0 : static_cast<std::int64_t>(sizeOf(path) / frameBytes);
+  std::int64_t frames = 0;
+  while (true) {
+    const auto location = tape.value().index.locate(frames);
+    if (!location.ok() || !location.value()) return frames;
+    ++frames;
+  }
 }
 
 /// Whether `path` is the movie at `movie` or one that carries it on.
@@ -103,9 +116,7 @@ void ClipLedger::settleEntry(Entry& entry) {
     }
   }
   if (exists(entry.working.thumbnails)) {
-    if (entry.frameBytes > 0) {
-      clip.thumbnailFrames = static_cast<std::int64_t>(sizeOf(entry.working.thumbnails) / entry.frameBytes);
-    }
+    clip.thumbnailFrames = framesIn(entry.working.thumbnails, entry.frameBytes);
     clip.thumbnailPath = moved(entry.working.thumbnails, files_.thumbnailsPath(stem));
   }
   clips_.push_back(std::move(clip));

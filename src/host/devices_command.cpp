@@ -15,7 +15,7 @@ int runDevices(const DevicesOptions& options) {
     return kExitOk;
   }
   fmt::print(
-      "No camcorder or deck was found.\n\n"
+      "Camcorders and decks on the FireWire bus are not supported yet.\n\n"
       "A tape image, a raw DV file, plays in the simulated deck:\n"
       "  deckhand capture --device tape:PATH --output DIR\n");
   return kExitOk;

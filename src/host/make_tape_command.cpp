@@ -3,12 +3,14 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <sstream>
 
 #include "host/exit_codes.h"
+#include "host/text.h"
 
 namespace zq::host {
 namespace {
@@ -36,9 +38,11 @@ bool parseDate(const std::string& text, StampDateTime& date) {
                                 &date.hours, &date.minutes, &date.seconds, &end);
   const bool whole = count == 6 && text[static_cast<std::size_t>(end)] == '\0';
   // The tape has two digits for the year, which are read as 1925 to 2024.
-  return whole && date.year >= 1925 && date.year <= 2024 && date.month >= 1 && date.month <= 12 && date.day >= 1 &&
-         date.day <= 31 && date.hours >= 0 && date.hours <= 23 && date.minutes >= 0 && date.minutes <= 59 &&
-         date.seconds >= 0 && date.seconds <= 59;
+  const std::chrono::year_month_day day{std::chrono::year{date.year},
+                                        std::chrono::month{static_cast<unsigned>(date.month)},
+                                        std::chrono::day{static_cast<unsigned>(date.day)}};
+  return whole && date.year >= 1925 && date.year <= 2024 && day.ok() && date.hours >= 0 && date.hours <= 23 &&
+         date.minutes >= 0 && date.minutes <= 59 && date.seconds >= 0 && date.seconds <= 59;
 }
 
 bool parseTimecode(const std::string& text, int timebase, SMPTETime& timecode) {
@@ -121,7 +125,8 @@ int runMakeTape(const MakeTapeOptions& options, Console& console) {
   }
   int frames = 0;
   for (const SceneOrder& scene : scenes) frames += scene.frames;
-  fmt::print("{}: {} scenes, {} frames of {}\n", options.output, scenes.size(), frames, nameOf(system));
+  fmt::print("{}: {}, {} of {}\n", options.output, counted(static_cast<std::int64_t>(scenes.size()), "scene"),
+             counted(frames, "frame"), nameOf(system));
   return kExitOk;
 }
 

@@ -21,6 +21,9 @@ struct SessionReport {
   std::int64_t dropped = 0;
   /// "endOfTape", "interrupted" or "error".
   std::string ended;
+  /// What the tape's owner should look at, and why the capture ended early; in the report when there is any.
+  std::vector<std::string> findings;
+  std::string error;
 
   nlohmann::ordered_json json(const platform::Settings& settings) const;
 };

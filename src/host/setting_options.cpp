@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <charconv>
 #include <cstdlib>
 #include <optional>
@@ -50,7 +51,8 @@ std::string rangeOf(const KeyRule& rule) {
   return "";
 }
 
-std::optional<platform::SettingValue> parseBoolean(const std::string& text) {
+std::optional<platform::SettingValue> parseBoolean(std::string text) {
+  for (char& letter : text) letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
   for (const char* yes : {"true", "yes", "on", "1"}) {
     if (text == yes) return platform::SettingValue(true);
   }
@@ -87,6 +89,14 @@ std::optional<platform::SettingValue> parseValue(const std::string& text, const 
   return std::nullopt;
 }
 
+std::string storedText(const platform::SettingValue& value) {
+  if (const bool* flag = std::get_if<bool>(&value)) return *flag ? "true" : "false";
+  if (const std::int64_t* number = std::get_if<std::int64_t>(&value)) return fmt::format("{}", *number);
+  if (const double* real = std::get_if<double>(&value)) return fmt::format("{}", *real);
+  if (const std::string* text = std::get_if<std::string>(&value)) return *text;
+  return "";
+}
+
 }  // namespace
 
 Expected<SettingChange> parseSetting(const std::string& text) {
@@ -106,6 +116,16 @@ Expected<SettingChange> parseSetting(const std::string& text) {
   if (!parsed)
     return Error{"--set " + key + ": \"" + value + "\" is not a value of it", "It takes " + rangeOf(*rule) + "."};
   return SettingChange{key, *parsed};
+}
+
+Status checkStored(const std::string& key, const platform::SettingValue& value) {
+  const auto* rule =
+      std::find_if(kRules.begin(), kRules.end(), [&key](const KeyRule& held) { return key == held.key; });
+  if (rule == kRules.end()) return {};
+  const std::string text = storedText(value);
+  if (parseValue(text, *rule)) return {};
+  return Error{"The stored setting " + key + ": \"" + text + "\" is not a value of it",
+               "It takes " + rangeOf(*rule) + "."};
 }
 
 std::string settingsHelp() {

@@ -17,6 +17,9 @@ struct SettingChange {
 /// An error names what is wrong and what would be right.
 Expected<SettingChange> parseSetting(const std::string& text);
 
+/// Whether the object that a store has under this key is a value of it; a store may have been edited by hand.
+Status checkStored(const std::string& key, const platform::SettingValue& value);
+
 /// One line for each key, for the help.
 std::string settingsHelp();
 

@@ -18,6 +18,10 @@ std::string textOf(const DateValue& date) {
   return date ? date->isoString() : "";
 }
 
+std::string counted(std::int64_t count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
 nlohmann::ordered_json jsonOf(const std::string& text) {
   return text.empty() ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(text);
 }

@@ -21,8 +21,8 @@ class Runtime {
   virtual std::unique_ptr<Mutex> makeMutex(const std::string& name) = 0;
   virtual std::unique_ptr<Condition> makeCondition(const std::string& name) = 0;
   virtual std::unique_ptr<Thread> startThread(const std::string& name, std::function<void()> run) = 0;
-  /// Runs `work`, which uses nothing of the runtime's and nothing that other threads change: a write to a disk. Where one
-  /// thread runs at a time, others may run beside it.
+  /// Runs `work`, which uses nothing of the runtime's and nothing that other threads change: a write to a disk. Where
+  /// one thread runs at a time, others may run beside it.
   virtual void runAside(const std::function<void()>& work) = 0;
 };
 

@@ -214,7 +214,7 @@ TEST(DifSequence, WrongSubcodeIsLoggedAndLeavesItsFields) {
     const DVDifSequence sequence = decodedSequence(frame, 0, &log);
     EXPECT_THAT(log.messages(), ElementsAre(block == 1 ? "Cannot decode subcode for SC0 and SC1 of type 4 and 1"
                                                        : "Cannot decode subcode for SC0 and SC1 of type 1 and 4"));
-    EXPECT_EQ(log.lines.front().level, LogLevel::warning);
+    EXPECT_EQ(log.lines.front().level, LogLevel::info);
     EXPECT_FALSE(sequence.timecodeOk());
     EXPECT_EQ(timecodeText(sequence.timeCode()), "00:00:00:00");
     EXPECT_EQ(sequence.aspectRatio(), 1);
@@ -236,7 +236,7 @@ TEST(DifSequence, WrongVauxIsLoggedAndLeavesItsFields) {
   decodedSequence(frame, 1, &log);
   EXPECT_THAT(log.messages(), ElementsAre("Cannot decode Vaux Source Control Pack for VA of type 7 at block number 3",
                                           "Cannot decode Vaux Source Pack for VA of type 7 at block number 3"));
-  EXPECT_EQ(log.lines.front().level, LogLevel::warning);
+  EXPECT_EQ(log.lines.front().level, LogLevel::info);
 }
 
 TEST(DifSequence, WrongVauxLeavesTheSubcodeToBeRead) {

@@ -88,7 +88,7 @@ TEST_F(InspectProgram, GivesTheFramesInJsonToo) {
 TEST_F(InspectProgram, PrintsATableForPeople) {
   const ProgramResult result = inspect(fixture("sony-digital8-ntsc-1-frame.dv"));
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_NE(result.out.find("525/60, 1 frames, 1 scene\n"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("525/60, 1 frame, 1 scene\n"), std::string::npos) << result.out;
   EXPECT_NE(result.out.find("2024-07-08T19:55:58  4/3"), std::string::npos) << result.out;
 }
 

@@ -31,6 +31,7 @@ void MovieFileOutput::setDelegate(platform::QTCaptureOutputDelegate* delegate) {
 void MovieFileOutput::recordToOutputFileURL(const std::optional<std::string>& path) {
   const std::lock_guard guard(*mutex_);
   if (path == path_) return;
+  writePending();
   if (path_) recorder_.close();
   path_ = path;
   fileFrameSize_ = 0;
@@ -73,21 +74,34 @@ void MovieFileOutput::tellDelegate(const QTSampleBuffer& frame) {
   delegate_->captureOutputDidOutputSampleBufferFromConnection(*this, frame, {platform::QTMediaTypeVideo});
 }
 
+// The delegate has seen the frame, so it belongs to the file that is open now, also when the file is changed while the
+// frame waits for its place in the queue. The wait is without the mutex, so that whoever changes the file does not wait
+// for the disk.
+void MovieFileOutput::writeIfRecording(const QTSampleBuffer& frame, bool sourceCanWait) {
+  {
+    const std::lock_guard guard(*mutex_);
+    if (!path_) return;
+    pending_ = frame;
+    pendingMayBeDropped_ = !sourceCanWait;
+  }
+  if (sourceCanWait) recorder_.waitForSpace();
+  const std::lock_guard guard(*mutex_);
+  writePending();
+}
+
 // A file holds frames of one system. When nobody asked for another file by now, the clip goes on in one beside it, so
 // that nothing of the tape is left out.
-void MovieFileOutput::writeIfRecording(const QTSampleBuffer& frame, bool sourceCanWait) {
-  // Waits before it asks for the file, which may be another one after the wait, and without the mutex, so that whoever
-  // changes the file does not wait for the disk.
-  if (sourceCanWait && outputFileURL()) recorder_.waitForSpace();
-  const std::lock_guard guard(*mutex_);
-  if (!path_) return;
-  if (fileFrameSize_ != 0 && fileFrameSize_ != frame.lengthForAllSamples()) {
+void MovieFileOutput::writePending() {
+  if (!pending_) return;
+  const std::size_t frameSize = pending_->lengthForAllSamples();
+  if (fileFrameSize_ != 0 && fileFrameSize_ != frameSize) {
     ++continuations_;
     recorder_.close();
     recorder_.open(continuationPath(*path_, continuations_ + 1));
   }
-  fileFrameSize_ = frame.lengthForAllSamples();
-  recorder_.push(frame);
+  fileFrameSize_ = frameSize;
+  recorder_.push(*pending_, pendingMayBeDropped_);
+  pending_.reset();
 }
 
 }  // namespace zq::backend

@@ -39,6 +39,7 @@ class MovieFileOutput : public platform::QTCaptureMovieFileOutput, public FrameC
   bool fileCannotTake(const platform::QTSampleBuffer& frame) const;
   void tellDelegate(const platform::QTSampleBuffer& frame);
   void writeIfRecording(const platform::QTSampleBuffer& frame, bool sourceCanWait);
+  void writePending();
 
   // Constant after construction.
   const FrameHook frameSeen_;
@@ -52,6 +53,9 @@ class MovieFileOutput : public platform::QTCaptureMovieFileOutput, public FrameC
   std::optional<std::string> path_;
   std::size_t fileFrameSize_ = 0;  // of the frames in the open file; 0 before the first
   int continuations_ = 0;          // files that followed the open one under its own name
+  /// The frame that the delegate has seen, and that still waits for its place in the file.
+  std::optional<platform::QTSampleBuffer> pending_;
+  bool pendingMayBeDropped_ = false;
 
   MovieRecorder recorder_;
 };

@@ -66,9 +66,9 @@ void MovieRecorder::waitForSpace() {
   while (!quit_ && heldFrames_ >= std::min(queueFrames_, kFramesAhead)) spaceArrived_->wait(*mutex_);
 }
 
-void MovieRecorder::push(const QTSampleBuffer& frame) {
+void MovieRecorder::push(const QTSampleBuffer& frame, bool mayBeDropped) {
   const std::lock_guard guard(*mutex_);
-  if (heldFrames_ >= queueFrames_) {
+  if (mayBeDropped && heldFrames_ >= queueFrames_) {
     ++dropped_;
     ++droppedSinceChange_;
     log_.write(LogLevel::warning,

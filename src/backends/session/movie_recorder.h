@@ -34,8 +34,8 @@ struct RecorderObserver {
 
 class MovieRecorder {
  public:
-  /// How far a source that can wait gets ahead: enough to read while another batch is written, and little enough for the
-  /// frames to be in the processor's cache still.
+  /// How far a source that can wait gets ahead: enough to read while another batch is written, and little enough for
+  /// the frames to be in the processor's cache still.
   static constexpr std::size_t kFramesAhead = 24;
 
   /// Holds `queueFrames` frames at most, those that are being written among them.
@@ -52,8 +52,9 @@ class MovieRecorder {
   void close();
   /// Returns when push() will not drop the next frame of the calling thread, the only one that pushes.
   void waitForSpace();
-  /// Queues one frame. When the queue is full the frame is dropped, which is counted and logged. Never waits.
-  void push(const platform::QTSampleBuffer& frame);
+  /// Queues one frame, and never waits. When the queue is full, a frame that `mayBeDropped` is, which is counted and
+  /// logged; one that may not goes beyond the bound.
+  void push(const platform::QTSampleBuffer& frame, bool mayBeDropped = true);
   std::int64_t recordedFrames() const;
   std::int64_t droppedFrames() const;
 

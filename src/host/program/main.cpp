@@ -1,6 +1,7 @@
 // The command line: options in, one command run, its exit code out.
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <exception>
 #include <functional>
 #include <string>
@@ -48,7 +49,7 @@ void addCapture(CLI::App& app, CaptureOptions& options) {
       ->check(CLI::IsMember({"mov", "avi", "mkv", "dv"}))
       ->capture_default_str();
   command->add_flag("--real-time", options.realTime, "At the deck's own pace, not as fast as the machine can");
-  command->add_option("--set", options.settings, "KEY=VALUE: a capture setting, for this run only; may be repeated")
+  command->add_option("--set", options.settings, "KEY=VALUE: a setting for this run, repeatable")
       ->expected(1)
       ->take_all();
   command->add_flag("--json", options.json, "Print the session report as JSON");
@@ -67,29 +68,67 @@ void addMakeTape(CLI::App& app, MakeTapeOptions& options) {
   command->add_option("--system", options.system, "pal (625/50) or ntsc (525/60)")
       ->check(CLI::IsMember({"pal", "ntsc"}))
       ->capture_default_str();
-  command
-      ->add_option("--scene", options.scenes,
-                   "DATE,SECONDS[,TIMECODE]: a scene; may be repeated. DATE is YYYY-MM-DDTHH:MM:SS or none; without a "
-                   "TIMECODE it runs on")
-      ->expected(1)
-      ->take_all();
+  command->add_option("--scene", options.scenes, "DATE,SECONDS[,TIMECODE], repeatable")->expected(1)->take_all();
   command->footer(
+      "A DATE is YYYY-MM-DDTHH:MM:SS, or none. Without a TIMECODE (HH:MM:SS:FF) it runs on.\n\n"
       "Examples:\n"
       "  deckhand make-tape try.dv\n"
       "  deckhand make-tape try.dv --system ntsc --scene 2004-07-15T13:30:45,10 --scene "
       "2004-07-15T14:00:00,5,00:00:00:00");
 }
 
-int run(int argc, char** argv) {
-  CLI::App app("Deckhand captures DV tape: it cuts what a camcorder plays into clips where the recording date jumps.",
-               "deckhand");
+/// Whether everything that was printed has arrived.
+bool outputArrived() {
+  return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
+
+/// The word that stands where a command should, when it is none; "" otherwise.
+std::string unknownCommand(const CLI::App& app, int argc, char** argv) {
+  if (argc < 2 || argv[1][0] == '-') return "";
+  const std::string word = argv[1];
+  for (const CLI::App* command : app.get_subcommands({})) {
+    if (command->check_name(word)) return "";
+  }
+  return word;
+}
+
+/// What each command was told.
+struct Options {
   bool verbose = false;
   DevicesOptions devices;
   InspectOptions inspect;
   CaptureOptions capture;
   MakeTapeOptions makeTape;
+};
+
+int runCommand(const CLI::App& app, const Options& options) {
+  Console console(options.verbose);
+  if (app.got_subcommand("devices")) return runDevices(options.devices);
+  if (app.got_subcommand("inspect")) return runInspect(options.inspect, console);
+  if (app.got_subcommand("capture")) return runCapture(options.capture, console);
+  return runMakeTape(options.makeTape, console);
+}
+
+/// Parses the words and runs the command that they name.
+int parseAndRun(CLI::App& app, const Options& options, int argc, char** argv) {
+  if (const std::string word = unknownCommand(app, argc, argv); !word.empty()) {
+    Console(false).error({"There is no command \"" + word + "\"", "Try deckhand --help."});
+    return kExitUsage;
+  }
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kExitOk : kExitUsage;
+  }
+  return runCommand(app, options);
+}
+
+int run(int argc, char** argv) {
+  CLI::App app("Deckhand captures DV tape: it cuts what a camcorder plays into clips where the recording date jumps.",
+               "deckhand");
+  Options options;
   app.set_version_flag("--version", "deckhand " DECKHAND_VERSION);
-  app.add_flag("--verbose", verbose, "Tell what happens on the way, too");
+  app.add_flag("--verbose", options.verbose, "Tell what happens on the way, too");
   app.require_subcommand(1);
   app.fallthrough();
   app.footer(std::string("Examples:\n"
@@ -97,20 +136,14 @@ int run(int argc, char** argv) {
                          "  deckhand inspect try.dv\n"
                          "  deckhand capture --device tape:try.dv --output clips\n\n") +
              kExitCodes);
-  addDevices(app, devices);
-  addInspect(app, inspect);
-  addCapture(app, capture);
-  addMakeTape(app, makeTape);
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kExitOk : kExitUsage;
-  }
-  Console console(verbose);
-  if (app.got_subcommand("devices")) return runDevices(devices);
-  if (app.got_subcommand("inspect")) return runInspect(inspect, console);
-  if (app.got_subcommand("capture")) return runCapture(capture, console);
-  return runMakeTape(makeTape, console);
+  addDevices(app, options.devices);
+  addInspect(app, options.inspect);
+  addCapture(app, options.capture);
+  addMakeTape(app, options.makeTape);
+  const int exitCode = parseAndRun(app, options, argc, argv);
+  if (outputArrived()) return exitCode;
+  Console(false).error({"Cannot write the output", "The disk may be full, or its reader has gone."});
+  return exitCode == kExitOk || exitCode == kExitFindings ? kExitFailed : exitCode;
 }
 
 }  // namespace

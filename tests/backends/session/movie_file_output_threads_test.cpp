@@ -77,7 +77,7 @@ TEST_F(OutputThreads, AFileCanBeChangedFromTheMainThread) {
   EXPECT_EQ(sessionNumbers(movies_["b.dv"].frames), sessionRange(20, 25));
 }
 
-// A frame that waits for the disk belongs to the file that is wanted when it is written.
+// A frame that waits for the disk belongs to the file that was open when the delegate saw it.
 TEST_F(OutputThreads, ChangingTheFileDoesNotWaitForTheFrameThatWaitsForTheDisk) {
   movies_.onAppend = [&](const SharedBytes&) { runtime_.clock().sleepFor(10s); };
   output_.recordToOutputFileURL("a.dv");
@@ -90,13 +90,13 @@ TEST_F(OutputThreads, ChangingTheFileDoesNotWaitForTheFrameThatWaitsForTheDisk) 
   EXPECT_EQ(runtime_.clock().now(), platform::TimePoint(1s));
   delivery->join();
   output_.finish();
-  EXPECT_EQ(sessionNumbers(movies_["a.dv"].frames), sessionRange(0, 4));
-  EXPECT_EQ(sessionNumbers(movies_["b.dv"].frames), sessionRange(4, 8));
+  EXPECT_EQ(sessionNumbers(movies_["a.dv"].frames), sessionRange(0, 5));
+  EXPECT_EQ(sessionNumbers(movies_["b.dv"].frames), sessionRange(5, 8));
   EXPECT_EQ(sessionNumbers(movies_["b-part2.dv"].frames), sessionRange(8, 10));
   EXPECT_EQ(output_.recorder().droppedFrames(), 0);
 }
 
-// The frame that the change of file overtook is the first of its file, of whichever system.
+// The frame that the change of file overtook says nothing of the system of the new file.
 TEST_F(OutputThreads, TheFirstFrameOfAFileThatWasChangedMeanwhileSaysItsSystem) {
   movies_.onAppend = [&](const SharedBytes&) { runtime_.clock().sleepFor(10s); };
   output_.recordToOutputFileURL("a.dv");
@@ -108,12 +108,12 @@ TEST_F(OutputThreads, TheFirstFrameOfAFileThatWasChangedMeanwhileSaysItsSystem) 
   output_.recordToOutputFileURL("b.dv");
   delivery->join();
   output_.finish();
-  EXPECT_EQ(sessionNumbers(movies_["a.dv"].frames), sessionRange(0, 4));
-  EXPECT_EQ(sessionNumbers(movies_["b.dv"].frames), sessionRange(4, 5));
-  EXPECT_EQ(sessionNumbers(movies_["b-part2.dv"].frames), sessionRange(5, 6));
+  EXPECT_EQ(sessionNumbers(movies_["a.dv"].frames), sessionRange(0, 5));
+  EXPECT_EQ(sessionNumbers(movies_["b.dv"].frames), sessionRange(5, 6));
+  EXPECT_EQ(movies_.order, (std::vector<std::string>{"a.dv", "b.dv"}));
 }
 
-TEST_F(OutputThreads, AFrameThatWaitsWhenTheRecordingEndsIsNotWritten) {
+TEST_F(OutputThreads, AFrameThatWaitsWhenTheRecordingEndsIsWrittenStill) {
   movies_.onAppend = [&](const SharedBytes&) { runtime_.clock().sleepFor(10s); };
   output_.recordToOutputFileURL("a.dv");
   const auto delivery = runtime_.startThread("delivery", [&] {
@@ -123,7 +123,7 @@ TEST_F(OutputThreads, AFrameThatWaitsWhenTheRecordingEndsIsNotWritten) {
   output_.recordToOutputFileURL(std::nullopt);
   delivery->join();
   output_.finish();
-  EXPECT_EQ(sessionNumbers(movies_["a.dv"].frames), sessionRange(0, 4));
+  EXPECT_EQ(sessionNumbers(movies_["a.dv"].frames), sessionRange(0, 5));
   EXPECT_EQ(output_.recorder().droppedFrames(), 0);
 }
 
