@@ -74,6 +74,7 @@ void CaptureRun::start() {
                       parts_->strings, setup_.console},
       CaptureOutlets{});
   ZQACController& controller = *parts_->controller;
+  delegateOfFrames_ = &controller;
   controller.setDelegate(&delegate_);
   parts_->keyObservation = controller.keys().addObserver([this](const std::string& key, KeyChange change) {
     if (key == "devicePlaying" && change == KeyChange::didChange) transportChanged();
@@ -86,9 +87,9 @@ void CaptureRun::start() {
 
 // The controller has dealt with the frame; it is not written yet.
 void CaptureRun::frameSeen(platform::QTCaptureFileOutput& output, const platform::QTSampleBuffer& frame) {
-  ZQACController* controller = parts_->controller.get();
-  if (controller == nullptr || &output != &controller->movieFileOutput() || !controller->isRecording()) return;
-  keepMovieWithClip(*controller, output, frame);
+  ZQACController& controller = *delegateOfFrames_;
+  if (&output != &controller.movieFileOutput() || !controller.isRecording()) return;
+  keepMovieWithClip(controller, output, frame);
   const RecordingDateScan scan = scanRecordingDate(frame.bytesForAllSamples);
   ledger_->countFrame(factsOf(0, frame.smpteTime != nullptr, scan, frame.bytesForAllSamples),
                       frame.lengthForAllSamples());

@@ -64,6 +64,9 @@ class CaptureRun {
   const std::unique_ptr<ClipLedger> ledger_;
   const ZQACControllerDelegate delegate_;
 
+  // Set before the first frame. Frames come only while the controller is the outputs' delegate, so it lives then.
+  ZQACController* delegateOfFrames_ = nullptr;
+
   // Main thread only.
   std::unique_ptr<Parts> parts_;
   bool wasInterrupted_ = false;

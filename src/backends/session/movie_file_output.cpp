@@ -54,7 +54,6 @@ void MovieFileOutput::setCompressionOptionsForConnection(
 
 void MovieFileOutput::consume(const QTSampleBuffer& frame, bool sourceCanWait) {
   tellDelegate(frame);
-  if (frameSeen_) frameSeen_(*this, frame);
   writeIfRecording(frame, sourceCanWait);
 }
 
@@ -72,6 +71,7 @@ void MovieFileOutput::tellDelegate(const QTSampleBuffer& frame) {
   }
   if (delegate_ == nullptr) return;
   delegate_->captureOutputDidOutputSampleBufferFromConnection(*this, frame, {platform::QTMediaTypeVideo});
+  if (frameSeen_ && delegate_ != nullptr) frameSeen_(*this, frame);
 }
 
 // The delegate has seen the frame, so it belongs to the file that is open now, also when the file is changed while the

@@ -14,7 +14,8 @@
 
 namespace zq::backend {
 
-/// Sees each frame on the delivery thread, after the delegate and before it is written.
+/// Sees each frame on the delivery thread, after the delegate and before it is written; never without a delegate, so
+/// that a delegate that takes itself out is not used any more from here either.
 using FrameHook = std::function<void(platform::QTCaptureFileOutput& output, const platform::QTSampleBuffer& frame)>;
 
 class MovieFileOutput : public platform::QTCaptureMovieFileOutput, public FrameConsumer {

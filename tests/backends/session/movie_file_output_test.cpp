@@ -151,11 +151,24 @@ TEST_F(MovieFileOutputs, AFileCanBeChangedInTheHookToo) {
     if (test::sessionNumber(frame.bytesForAllSamples) == 2) record("b.dv");
   };
   output_ = std::make_unique<MovieFileOutput>(runtime_, movies_, log_, reports_.observer(runtime_), hook_, 240);
+  output_->setDelegate(&delegate_);
   record("a.dv");
   frames(0, 4);
   finish();
   EXPECT_EQ(movie("a.dv"), sessionRange(0, 2));
   EXPECT_EQ(movie("b.dv"), sessionRange(2, 4));
+}
+
+TEST_F(MovieFileOutputs, TheHookSeesNothingWithoutADelegate) {
+  output_ = std::make_unique<MovieFileOutput>(runtime_, movies_, log_, reports_.observer(runtime_), hook_, 240);
+  frames(0, 3);
+  output_->setDelegate(&delegate_);
+  onFrame_ = [this](int number) {
+    if (number == 4) output_->setDelegate(nullptr);
+  };
+  frames(3, 6);
+  finish();
+  EXPECT_THAT(journal_, ElementsAre("frame 3", "hook 3", "frame 4"));
 }
 
 TEST_F(MovieFileOutputs, ADelegateThatTakesItselfAwayHearsNoMore) {

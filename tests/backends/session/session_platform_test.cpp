@@ -46,6 +46,8 @@ TEST_F(SessionPlatforms, FramesGoFromTheDeviceToTheFile) {
   ASSERT_TRUE(session->addOutput(output).ok());
   ASSERT_TRUE(session->addOutput(other).ok());
   ASSERT_TRUE(session->addInput(platform_.makeDeviceInput(device)).ok());
+  test::SessionDelegate delegate;
+  output->setDelegate(&delegate);
   session->startRunning();
   output->recordToOutputFileURL("a.dv");
   for (int i = 0; i < 10; ++i) device->deliver(test::makeFrame(DVSystem::pal625_50));
@@ -59,7 +61,8 @@ TEST_F(SessionPlatforms, FramesGoFromTheDeviceToTheFile) {
   EXPECT_EQ(reports_.finished.size(), 2U);
   EXPECT_EQ(platform_.frameCounts().recorded, 20);
   EXPECT_EQ(platform_.frameCounts().dropped, 0);
-  EXPECT_EQ(framesSeen_, 30);
+  output->setDelegate(nullptr);
+  EXPECT_EQ(framesSeen_, 15) << "the other output has no delegate";
   EXPECT_THAT(errors_, IsEmpty());
 }
 
