@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdlib>
 #include <ctime>
 #include <optional>
@@ -18,22 +17,40 @@ namespace {
 // 1 January 2001 00:00:00 UTC in seconds since 1970.
 constexpr std::int64_t kReferenceDateUnixSeconds = 978307200;
 
+// No field of a frame comes near this; what an archive may hold beyond it stays computable.
+constexpr int kLargestField = 10'000'000;
+
+int bounded(std::int64_t field) {
+  return static_cast<int>(std::clamp<std::int64_t>(field, -kLargestField, kLargestField));
+}
+
 std::tm tmFrom(int year, int month, int day, int hour, int minute, int second) {
   std::tm fields{};
-  fields.tm_year = year - 1900;
-  fields.tm_mon = month - 1;
-  fields.tm_mday = day;
-  fields.tm_hour = hour;
-  fields.tm_min = minute;
-  fields.tm_sec = second;
-  fields.tm_isdst = -1;
+  fields.tm_year = bounded(year) - 1900;
+  fields.tm_mon = bounded(month) - 1;
+  fields.tm_mday = bounded(day);
+  fields.tm_hour = bounded(hour);
+  fields.tm_min = bounded(minute);
+  fields.tm_sec = bounded(second);
   return fields;
 }
 
+// In the hour that a zone repeats in autumn the first one counts. Left to itself, mktime takes the one that it took
+// last, and two frames of the same date could be an hour apart.
+std::time_t secondsOf(const std::tm& fields) {
+  std::tm daylight = fields;
+  daylight.tm_isdst = 1;
+  const std::time_t seconds = std::mktime(&daylight);
+  if (daylight.tm_isdst == 1) return seconds;
+  std::tm standard = fields;
+  standard.tm_isdst = 0;
+  return std::mktime(&standard);
+}
+
 int lastDayOfMonth(int year, int month) {
-  const std::chrono::year_month_day_last last =
-      std::chrono::year{year} / std::chrono::month{static_cast<unsigned>(month)} / std::chrono::last;
-  return static_cast<int>(static_cast<unsigned>(last.day()));
+  constexpr std::array<int, 12> kDays{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  const bool leapYear = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+  return month == 2 && leapYear ? 29 : kDays.at(static_cast<std::size_t>(month - 1));
 }
 
 /// The last conversion of this thread. The frames of a second all carry the same date, and the system's conversion
@@ -66,8 +83,8 @@ CalendarDate CalendarDate::ofFields(const std::array<int, 6>& fields) {
 }
 
 CalendarDate::CalendarDate(int year, int month, int day, int hour, int minute, int second) {
-  std::tm fields = tmFrom(year, month, day, hour, minute, second);
-  referenceSeconds_ = static_cast<std::int64_t>(std::mktime(&fields)) - kReferenceDateUnixSeconds;
+  const std::tm fields = tmFrom(year, month, day, hour, minute, second);
+  referenceSeconds_ = static_cast<std::int64_t>(secondsOf(fields)) - kReferenceDateUnixSeconds;
   setFieldsFromReferenceSeconds();
 }
 
@@ -95,11 +112,11 @@ double CalendarDate::timeIntervalSinceDate(const CalendarDate& other) const {
 }
 
 CalendarDate CalendarDate::dateByAdding(int years, int months, int days, int hours, int minutes, int seconds) const {
-  const int monthsFromZero = (year_ + years) * 12 + (month_ - 1) + months;
-  const int year = monthsFromZero >= 0 ? monthsFromZero / 12 : (monthsFromZero - 11) / 12;
-  const int month = monthsFromZero - year * 12 + 1;
-  const int day = std::min(day_, lastDayOfMonth(year, month));
-  const CalendarDate onWallClock(year, month, day + days, hour_, minute_, second_);
+  const std::int64_t monthsFromZero = (std::int64_t{year_} + years) * 12 + (month_ - 1) + months;
+  const std::int64_t year = monthsFromZero >= 0 ? monthsFromZero / 12 : (monthsFromZero - 11) / 12;
+  const int month = static_cast<int>(monthsFromZero - year * 12 + 1);
+  const int day = std::min(day_, lastDayOfMonth(bounded(year), month));
+  const CalendarDate onWallClock(bounded(year), month, bounded(std::int64_t{day} + days), hour_, minute_, second_);
   const std::int64_t elapsed = std::int64_t{hours} * 3600 + std::int64_t{minutes} * 60 + seconds;
   return fromReferenceSeconds(onWallClock.referenceSeconds_ + elapsed);
 }

@@ -4,6 +4,7 @@
 #include <stdlib.h>
 #include <time.h>
 
+#include <limits>
 #include <string>
 
 namespace zq {
@@ -52,6 +53,29 @@ TEST_F(CalendarDateInZone, TheQuickWayGivesTheSameDateAlsoWhenTheZoneChanges) {
   useZone("EST5");
   EXPECT_EQ(CalendarDate::ofFields({2004, 7, 15, 13, 30, 45}), CalendarDate(2004, 7, 15, 13, 30, 45));
   EXPECT_NE(CalendarDate::ofFields({2004, 7, 15, 13, 30, 45}), inUtc);
+}
+
+TEST_F(CalendarDateInZone, TheHourThatAutumnRepeatsIsAlwaysTheFirstOfThem) {
+  useZone("CET-1CEST,M3.5.0,M10.5.0/3");
+  const CalendarDate winter(2004, 1, 15, 12, 0, 0);
+  const CalendarDate afterWinter(2004, 10, 31, 2, 30, 0);
+  const CalendarDate summer(2004, 7, 15, 12, 0, 0);
+  const CalendarDate afterSummer(2004, 10, 31, 2, 30, 1);
+  EXPECT_EQ(afterSummer.timeIntervalSinceDate(afterWinter), 1.0);
+  EXPECT_EQ(afterWinter.timeIntervalSinceDate(CalendarDate(2004, 10, 31, 1, 30, 0)), 3600.0);
+  EXPECT_EQ(afterWinter.isoString(), "2004-10-31T02:30:00");
+  EXPECT_EQ(winter.timeIntervalSinceDate(CalendarDate(2004, 1, 15, 11, 0, 0)), 3600.0);
+  EXPECT_EQ(summer.timeIntervalSinceDate(CalendarDate(2004, 7, 15, 11, 0, 0)), 3600.0);
+}
+
+TEST_F(CalendarDateInZone, NoNumberIsTooLarge) {
+  constexpr int kMost = std::numeric_limits<int>::max();
+  constexpr int kLeast = std::numeric_limits<int>::min();
+  EXPECT_GT(CalendarDate(kMost, kMost, kMost, kMost, kMost, kMost).timeIntervalSinceReferenceDate(), 0.0);
+  EXPECT_LT(CalendarDate(kLeast, kLeast, kLeast, kLeast, kLeast, kLeast).timeIntervalSinceReferenceDate(), 0.0);
+  const CalendarDate date(2004, 7, 15, 13, 30, 45);
+  EXPECT_GT(date.dateByAdding(kMost, kMost, kMost, 0, 0, 0).timeIntervalSinceDate(date), 0.0);
+  EXPECT_LT(date.dateByAdding(kLeast, kLeast, kLeast, 0, 0, 0).timeIntervalSinceDate(date), 0.0);
 }
 
 TEST_F(CalendarDateInZone, AnIntervalIsPositiveWhenThisDateIsLater) {
