@@ -35,16 +35,23 @@ std::tm tmFrom(int year, int month, int day, int hour, int minute, int second) {
   return fields;
 }
 
+bool sameWallClock(const std::tm& a, const std::tm& b) {
+  return a.tm_sec == b.tm_sec && a.tm_min == b.tm_min && a.tm_hour == b.tm_hour && a.tm_mday == b.tm_mday;
+}
+
 // In the hour that a zone repeats in autumn the first one counts. Left to itself, mktime takes the one that it took
-// last, and two frames of the same date could be an hour apart.
-std::time_t secondsOf(const std::tm& fields) {
-  std::tm daylight = fields;
-  daylight.tm_isdst = 1;
-  const std::time_t seconds = std::mktime(&daylight);
-  if (daylight.tm_isdst == 1) return seconds;
-  std::tm standard = fields;
-  standard.tm_isdst = 0;
-  return std::mktime(&standard);
+// last, and two frames of the same date could be an hour apart. Zones repeat an hour, or half of one.
+std::time_t secondsOf(std::tm fields) {
+  fields.tm_isdst = -1;
+  const std::time_t seconds = std::mktime(&fields);
+  if (fields.tm_isdst > 0) return seconds;
+  for (const std::time_t repeated : {3600, 1800}) {
+    const std::time_t earlier = seconds - repeated;
+    std::tm first{};
+    localtime_r(&earlier, &first);
+    if (first.tm_isdst > 0 && sameWallClock(first, fields)) return earlier;
+  }
+  return seconds;
 }
 
 int lastDayOfMonth(int year, int month) {

@@ -18,8 +18,11 @@ using backend::TapeFile;
 
 namespace {
 
-// Enough frames a thread for its start to cost nothing beside them.
-constexpr std::int64_t kChunkFrames = 1024;
+// Frames that a thread reads in one go. Long goes keep both threads busy; after a guess went wrong they are short, so
+// that little is read in vain on a tape with many damaged headers.
+constexpr std::int64_t kFirstGo = 8192;
+constexpr std::int64_t kLongestGo = 16384;
+constexpr std::int64_t kShortestGo = 128;
 
 /// Whether the frame's own header says that it is one, of this system.
 bool isRegular(const SparseFrame& sparse, DVSystem system) {
@@ -90,13 +93,16 @@ std::int64_t TapeInspector::wholeFramesFrom(const FrameLocation& location) const
 // it out, and from there on the index decides again.
 Status TapeInspector::run(const Formatter& format, const Taker& take) {
   std::optional<FrameLocation> here = first_;
+  std::int64_t go = kFirstGo;
   while (here) {
     const std::int64_t rest = wholeFramesFrom(*here);
-    Chunk one{*here, true, std::min(rest, kChunkFrames), {}, {}, {}};
-    Chunk other{placeAfter(*here, one.wanted), false, std::min(rest - one.wanted, kChunkFrames), {}, {}, {}};
+    const std::int64_t share = std::min(go, (rest + 1) / 2);
+    Chunk one{*here, true, share, {}, {}, {}};
+    Chunk other{placeAfter(*here, one.wanted), false, std::min(rest - one.wanted, share), {}, {}, {}};
     readChunks(one, other, format);
+    go = one.isComplete() && other.isComplete() ? std::min(go * 2, kLongestGo) : kShortestGo;
     std::vector<Chunk*> chunks{&one};
-    if (static_cast<std::int64_t>(one.records.size()) == one.wanted && !other.records.empty()) chunks.push_back(&other);
+    if (one.isComplete() && !other.records.empty()) chunks.push_back(&other);
     if (Status status = dropWrongLast(chunks, format); !status.ok()) return status;
     FrameLocation last = *here;
     for (const Chunk* chunk : chunks) {

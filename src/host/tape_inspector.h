@@ -51,6 +51,8 @@ class TapeInspector {
     std::vector<FrameRecord> records;
     std::string formatted;
     Status status;
+
+    bool isComplete() const { return static_cast<std::int64_t>(records.size()) == wanted; }
   };
 
   TapeInspector(std::shared_ptr<backend::TapeFile> file, backend::FrameIndex index, backend::FrameLocation first,
