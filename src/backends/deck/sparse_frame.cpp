@@ -17,22 +17,24 @@ std::uint32_t bitOf(std::uint32_t index) {
 
 }  // namespace
 
-SparseFrame::SparseFrame(const TapeFile& file)
-    : file_(file), buffer_(std::make_shared<std::vector<std::uint8_t>>(std::size_t{FRAME_SIZE_625_50})) {}
+SparseFrame::SparseFrame(const TapeFile& file) : file_(file), buffer_(std::size_t{FRAME_SIZE_625_50}) {}
 
 Status SparseFrame::begin(std::uint64_t offset, DVSystem system) {
   offset_ = offset;
   loaded_ = 0;
   vauxLoaded_ = 0;
   sequences_ = static_cast<std::uint32_t>(sequenceCountOf(system));
-  if (view_.size() != frameSizeOf(system)) view_ = SharedBytes(buffer_, std::span(*buffer_).first(frameSizeOf(system)));
+  // A view without an owner, since it does not leave this object: the decoder makes handles of it for every block, and
+  // counting them would cost more than decoding.
+  const std::shared_ptr<const void> unowned(std::shared_ptr<const void>(), buffer_.data());
+  view_ = SharedBytes(unowned, std::span(buffer_).first(frameSizeOf(system)));
   return load(0);
 }
 
 // Subcode and VAUX are read by the sequence number that the stream itself carries, which may name another sequence than
 // the one it stands in.
 std::uint32_t SparseFrame::namedBy(std::uint32_t index) const {
-  return (*buffer_)[std::size_t{index} * SEQUENCE_SIZE + 1] >> 4;
+  return buffer_[std::size_t{index} * SEQUENCE_SIZE + 1] >> 4;
 }
 
 Status SparseFrame::needSequence(std::uint32_t index) {
@@ -63,7 +65,7 @@ Status SparseFrame::loadVaux(std::uint32_t index) {
 }
 
 Status SparseFrame::read(std::size_t start, std::size_t length) {
-  return file_.read(std::span(*buffer_).subspan(start, length), offset_ + start);
+  return file_.read(std::span(buffer_).subspan(start, length), offset_ + start);
 }
 
 }  // namespace zq::backend

@@ -17,6 +17,8 @@ namespace zq::backend {
 class SparseFrame {
  public:
   explicit SparseFrame(const TapeFile& file);
+  SparseFrame(const SparseFrame&) = delete;
+  SparseFrame& operator=(const SparseFrame&) = delete;
 
   /// Begins with another frame: reads what its first sequence has and forgets the others.
   Status begin(std::uint64_t offset, DVSystem system);
@@ -25,7 +27,8 @@ class SparseFrame {
   Status needSequence(std::uint32_t index);
   /// Reads the VAUX blocks of sequence `index` likewise.
   Status needVaux(std::uint32_t index);
-  /// As large as the frame. What was not asked for holds what an earlier frame left there.
+  /// As large as the frame. What was not asked for holds what an earlier frame left there. Valid as long as this
+  /// object.
   const SharedBytes& bytes() const { return view_; }
 
  private:
@@ -35,7 +38,7 @@ class SparseFrame {
   std::uint32_t namedBy(std::uint32_t index) const;
 
   const TapeFile& file_;
-  const std::shared_ptr<std::vector<std::uint8_t>> buffer_;
+  std::vector<std::uint8_t> buffer_;
   std::uint64_t offset_ = 0;
   std::uint32_t sequences_ = 0;
   std::uint32_t loaded_ = 0;      // a bit for each sequence
