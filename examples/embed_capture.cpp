@@ -27,8 +27,9 @@ class StandardErrorLog : public zq::Log {
 
 class StandardErrorAlerts : public zq::platform::Alerts {
  public:
-  void runModal(const std::string& message, const std::string& informative) override {
+  int runModal(const std::string& message, const std::string& informative) override {
     std::cerr << message << ' ' << informative << '\n';
+    return kDefaultButton;
   }
 };
 

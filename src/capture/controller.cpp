@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "capture/compression_options.h"
+#include "capture/session_compression.h"
 #include "capture/settings_keys.h"
 
 // Set-up, devices, transport, sound. The recording switch and its clips are in controller_recording.cpp, what is done
@@ -255,15 +256,8 @@ bool ZQACController::isCompressed() const {
   return dynamic_cast<const QTNoCompressionOptions*>(videoCompressionOptions().get()) == nullptr;
 }
 
-// Only the movie output is told: the other one keeps carrying the DV frames that are decoded.
 void ZQACController::updateVideoCompression() {
-  if (session_->isRunning()) session_->stopRunning();
-  const auto options = isCompressed() ? videoCompressionOptions() : nullptr;
-  for (const platform::QTCaptureConnection& connection : movieFileOutput_->connections()) {
-    if (connection.mediaType != platform::QTMediaTypeVideo) continue;
-    movieFileOutput_->setCompressionOptionsForConnection(options, connection);
-  }
-  if (session_->inputCount() > 0) session_->startRunning();
+  applyVideoCompression(*session_, *movieFileOutput_, isCompressed() ? videoCompressionOptions() : nullptr);
 }
 
 }  // namespace zq

@@ -62,20 +62,21 @@ void DeviceSelection::release() {
   exchangeInput(nullptr);
 }
 
-bool DeviceSelection::select(const std::shared_ptr<QTCaptureDevice>& device) {
+bool DeviceSelection::select(const std::shared_ptr<QTCaptureDevice>& device, const std::function<void()>& joined) {
   alertFormatsThatAreNotDV(*device);
   if (Status opened = device->open(); !opened.ok()) {
     alerts_.runModal(opened.error().message, opened.error().informative);
     return false;
   }
   const auto added = capture_.makeDeviceInput(device);
-  if (Status status = session_.addInput(added); !status.ok()) {
-    alerts_.runModal(status.error().message, status.error().informative);
-    device->close();
-    return false;
-  }
+  const Status status = session_.addInput(added);
   exchangeInput(added);
-  return true;
+  if (joined) joined();
+  if (status.ok()) return true;
+  alerts_.runModal(status.error().message, status.error().informative);
+  exchangeInput(nullptr);
+  device->close();
+  return false;
 }
 
 void DeviceSelection::alertFormatsThatAreNotDV(const QTCaptureDevice& device) {

@@ -1,6 +1,7 @@
 #pragma once
 // The one device that feeds the session: checked to be DV, opened, and joined to the session.
 
+#include <functional>
 #include <memory>
 
 #include "platform/alerts.h"
@@ -19,8 +20,9 @@ class DeviceSelection {
   /// Takes the held device out of the session and closes it.
   void release();
   /// Alerts once for each format of the device that is not DV, opens it all the same, and adds it to the session.
-  /// False, with an alert and without a device, when it cannot be opened or added.
-  bool select(const std::shared_ptr<platform::QTCaptureDevice>& device);
+  /// False, with an alert and without a device, when it cannot be opened or added. `joined` is called when it was given
+  /// to the session, also when the session then turned it down.
+  bool select(const std::shared_ptr<platform::QTCaptureDevice>& device, const std::function<void()>& joined = {});
 
   std::shared_ptr<platform::QTCaptureDeviceInput> input() const;
   std::shared_ptr<platform::QTCaptureDevice> selectedDevice() const;

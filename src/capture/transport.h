@@ -28,6 +28,8 @@ class Transport {
   void pause() const { send(kModePlaying, 0); }
   void stop() const { send(kModeStopped, 0); }
   void playReverse() const { send(kModePlaying, -kSpeedPlay); }
+  /// Plays at this speed, backwards where it is negative.
+  void playAtSpeed(long speed) const { send(kModePlaying, speed); }
   /// Winding and its end keep the playback mode that the device is in: a playing tape searches, a stopped one winds.
   void setFastForwarding(bool on) const { sendSpeed(on ? kSpeedWind : 0); }
   void setRewinding(bool on) const { sendSpeed(on ? -kSpeedWind : 0); }

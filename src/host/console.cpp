@@ -31,9 +31,10 @@ void Console::write(LogLevel level, std::string_view message) {
   }
 }
 
-void Console::runModal(const std::string& messageText, const std::string& informativeText) {
+int Console::runModal(const std::string& messageText, const std::string& informativeText) {
   ++state_->alerts;
   error({messageText, informativeText});
+  return kDefaultButton;
 }
 
 int Console::alerts() const {

@@ -25,7 +25,7 @@ class Console : public Log, public platform::Alerts {
 
   void write(LogLevel level, std::string_view message) override;
   /// A terminal has nothing to answer with, so the alert is told and counted.
-  void runModal(const std::string& messageText, const std::string& informativeText) override;
+  int runModal(const std::string& messageText, const std::string& informativeText) override;
   int alerts() const;
 
   void error(const Error& error);

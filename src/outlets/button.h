@@ -3,7 +3,7 @@
 
 namespace zq::outlets {
 
-/// Main thread only.
+/// From any thread.
 class Button {
  public:
   virtual ~Button() = default;

@@ -2,6 +2,7 @@
 // Outlets without a screen: they remember what they were told.
 
 #include <any>
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -64,24 +65,24 @@ class PlainPopUp final : public PopUp {
   int selected_ = -1;
 };
 
-/// Off at first.
+/// Off at first. From any thread.
 class PlainButton final : public Button {
  public:
   void setState(bool on) override { on_ = on; }
   bool state() const override { return on_; }
 
  private:
-  bool on_ = false;
+  std::atomic<bool> on_ = false;
 };
 
-/// Hidden at first.
+/// Hidden at first. From any thread.
 class PlainPanel final : public Panel {
  public:
   void setShown(bool shown) override { shown_ = shown; }
   bool isShown() const override { return shown_; }
 
  private:
-  bool shown_ = false;
+  std::atomic<bool> shown_ = false;
 };
 
 }  // namespace zq::outlets

@@ -8,8 +8,12 @@ namespace zq::platform {
 class Alerts {
  public:
   virtual ~Alerts() = default;
-  /// Shows a modal alert with its default button only, and returns when it was answered. From any thread.
-  virtual void runModal(const std::string& messageText, const std::string& informativeText) = 0;
+  /// The answer of an alert's default button.
+  static constexpr int kDefaultButton = 1;
+
+  /// Shows a modal alert with its default button only, and returns when it was answered: kDefaultButton, or another
+  /// number when it was taken away without an answer. From any thread.
+  virtual int runModal(const std::string& messageText, const std::string& informativeText) = 0;
 };
 
 }  // namespace zq::platform

@@ -21,7 +21,7 @@ struct QTCaptureConnection {
   std::string mediaType;
 };
 
-/// What an output tells; all on the session's delivery thread.
+/// What an output tells, on the session's delivery thread unless it says otherwise.
 class QTCaptureOutputDelegate {
  public:
   virtual ~QTCaptureOutputDelegate() = default;
@@ -33,6 +33,10 @@ class QTCaptureOutputDelegate {
   virtual void captureOutputMustChangeOutputFileAtURLForConnectionsDueToError(
       QTCaptureFileOutput& output, const std::string& path, const std::vector<QTCaptureConnection>& connections,
       const Error& error) = 0;
+  /// A file is complete on disk. On the main thread.
+  virtual void captureOutputDidFinishRecordingToOutputFileAtURLForConnectionsDueToError(
+      QTCaptureFileOutput& /*output*/, const std::string& /*path*/,
+      const std::vector<QTCaptureConnection>& /*connections*/, const std::optional<Error>& /*error*/) {}
 };
 
 class QTCaptureOutput {
@@ -95,6 +99,8 @@ class CapturePlatform {
   virtual std::shared_ptr<QTCaptureMovieFileOutput> makeMovieFileOutput() = 0;
   virtual std::shared_ptr<QTCaptureVideoPreviewOutput> makeVideoPreviewOutput() = 0;
   virtual std::shared_ptr<QTCaptureAudioPreviewOutput> makeAudioPreviewOutput() = 0;
+  /// The devices that are connected and deliver this type of media. On the main thread.
+  virtual std::vector<std::shared_ptr<QTCaptureDevice>> inputDevicesWithMediaType(const std::string& mediaType) = 0;
 };
 
 }  // namespace zq::platform

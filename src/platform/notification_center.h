@@ -12,6 +12,8 @@ namespace zq::platform {
 
 inline constexpr char QTCaptureDeviceAttributeWillChangeNotification[] = "QTCaptureDeviceAttributeWillChange";
 inline constexpr char QTCaptureDeviceAttributeDidChangeNotification[] = "QTCaptureDeviceAttributeDidChange";
+inline constexpr char QTCaptureDeviceWasConnectedNotification[] = "QTCaptureDeviceWasConnected";
+inline constexpr char QTCaptureDeviceWasDisconnectedNotification[] = "QTCaptureDeviceWasDisconnected";
 inline constexpr char QTCaptureDeviceAVCTransportControlsAttribute[] = "AVCTransportControls";
 
 /// Who changed what: the sender's identity and the attribute named by the changed-attribute key of the user info.

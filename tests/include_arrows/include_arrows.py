@@ -26,6 +26,7 @@ ARROWS = {
     "backends/deck": ["base", "timecode", "platform", "dv"],
     "backends/time": ["base", "platform"],
     "backends/settings": ["base", "platform"],
+    "backends/files": ["base", "platform"],
     "backends/session": ["base", "timecode", "platform", "dv"],
     "backends/media": ["base", "timecode", "platform", "dv", "<libav>"],
     "backends/qt": ["base", "platform", "<Qt>"],

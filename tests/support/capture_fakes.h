@@ -194,6 +194,11 @@ class FakeCapturePlatform final : public platform::CapturePlatform {
   std::shared_ptr<platform::QTCaptureAudioPreviewOutput> makeAudioPreviewOutput() override {
     return parts.audioPreview = std::make_shared<FakeAudioPreviewOutput>();
   }
+  std::vector<std::shared_ptr<platform::QTCaptureDevice>> inputDevicesWithMediaType(
+      const std::string& mediaType) override {
+    return mediaType == platform::QTMediaTypeMuxed ? muxedDevices
+                                                   : std::vector<std::shared_ptr<platform::QTCaptureDevice>>();
+  }
 
   /// Hands the frame to the file outputs in the order in which they were added to the session.
   void deliver(const platform::QTSampleBuffer& frame) {
@@ -203,6 +208,7 @@ class FakeCapturePlatform final : public platform::CapturePlatform {
   }
 
   FakeCaptureParts parts;
+  std::vector<std::shared_ptr<platform::QTCaptureDevice>> muxedDevices;
 
  private:
   CaptureJournal& journal_;

@@ -30,14 +30,16 @@ class RecordingAlerts final : public platform::Alerts {
 
   explicit RecordingAlerts(CaptureJournal& journal) : journal_(journal) {}
 
-  void runModal(const std::string& messageText, const std::string& informativeText) override {
+  int runModal(const std::string& messageText, const std::string& informativeText) override {
     journal_.add("alert", messageText);
     shown.push_back({messageText, informativeText});
     if (whileShown) whileShown();
+    return answer;
   }
 
   std::vector<Alert> shown;
   std::function<void()> whileShown;
+  int answer = kDefaultButton;
 
  private:
   CaptureJournal& journal_;
@@ -105,6 +107,8 @@ class RecordingCaptureView final : public outlets::CaptureView {
   }
   void addOverlayView(outlets::TimecodeOverlay& /*overlay*/) override { journal_.add("view", "add overlay"); }
   void removeOverlayView(outlets::TimecodeOverlay& /*overlay*/) override { journal_.add("view", "remove overlay"); }
+  void addOverlayView(outlets::Panel& /*panel*/) override { journal_.add("view", "add panel"); }
+  void removeOverlayView(outlets::Panel& /*panel*/) override { journal_.add("view", "remove panel"); }
 
  private:
   CaptureJournal& journal_;

@@ -21,7 +21,24 @@ MovieFileOutput::MovieFileOutput(platform::Runtime& runtime, platform::MovieWrit
     : frameSeen_(std::move(frameSeen)),
       mutex_(runtime.makeMutex("file output")),
       delegateLock_(runtime, "file output delegate"),
-      recorder_(runtime, writers, log, std::move(observer), queueFrames) {}
+      recorder_(runtime, writers, log, withNotice(std::move(observer)), queueFrames) {}
+
+// The delegate hears of a finished file before the host, which may move it.
+RecorderObserver MovieFileOutput::withNotice(RecorderObserver observer) {
+  observer.finished = [this, alive = std::weak_ptr(alive_), host = observer.finished](const FinishedFile& file) {
+    if (!alive.expired()) tellFinished(file);
+    if (host) host(file);
+  };
+  return observer;
+}
+
+// Not under delegateLock_, which a frame may hold for seconds: here as there the main thread sets the delegate.
+void MovieFileOutput::tellFinished(const FinishedFile& file) {
+  platform::QTCaptureOutputDelegate* delegate = delegate_;
+  if (delegate == nullptr) return;
+  delegate->captureOutputDidFinishRecordingToOutputFileAtURLForConnectionsDueToError(*this, file.path, connections(),
+                                                                                     file.error);
+}
 
 void MovieFileOutput::setDelegate(platform::QTCaptureOutputDelegate* delegate) {
   const std::lock_guard guard(delegateLock_);
@@ -66,11 +83,11 @@ void MovieFileOutput::tellDelegate(const QTSampleBuffer& frame) {
   const std::lock_guard guard(delegateLock_);
   if (delegate_ == nullptr) return;
   if (fileCannotTake(frame)) {
-    delegate_->captureOutputMustChangeOutputFileAtURLForConnectionsDueToError(
+    delegate_.load()->captureOutputMustChangeOutputFileAtURLForConnectionsDueToError(
         *this, outputFileURL().value_or(""), connections(), {"The signal system of the tape changes", ""});
   }
   if (delegate_ == nullptr) return;
-  delegate_->captureOutputDidOutputSampleBufferFromConnection(*this, frame, {platform::QTMediaTypeVideo});
+  delegate_.load()->captureOutputDidOutputSampleBufferFromConnection(*this, frame, {platform::QTMediaTypeVideo});
   if (frameSeen_ && delegate_ != nullptr) frameSeen_(*this, frame);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 // A file output of the session: tells its delegate of each frame, then writes it while it records.
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -37,6 +38,8 @@ class MovieFileOutput : public platform::QTCaptureMovieFileOutput, public FrameC
   const MovieRecorder& recorder() const { return recorder_; }
 
  private:
+  RecorderObserver withNotice(RecorderObserver observer);
+  void tellFinished(const FinishedFile& file);
   bool fileCannotTake(const platform::QTSampleBuffer& frame) const;
   void tellDelegate(const platform::QTSampleBuffer& frame);
   void writeIfRecording(const platform::QTSampleBuffer& frame, bool sourceCanWait);
@@ -46,9 +49,12 @@ class MovieFileOutput : public platform::QTCaptureMovieFileOutput, public FrameC
   const FrameHook frameSeen_;
   const std::unique_ptr<platform::Mutex> mutex_;
 
-  // Guarded by delegateLock_, which is held during a call of the delegate.
+  /// Goes with the output, so that the notice of a file that is still posted finds it gone.
+  const std::shared_ptr<MovieFileOutput*> alive_ = std::make_shared<MovieFileOutput*>(this);
+
+  // Set on the main thread under delegateLock_, which is held while the delegate is called for a frame.
   platform::RecursiveLock delegateLock_;
-  platform::QTCaptureOutputDelegate* delegate_ = nullptr;
+  std::atomic<platform::QTCaptureOutputDelegate*> delegate_ = nullptr;
 
   // Guarded by mutex_.
   std::optional<std::string> path_;

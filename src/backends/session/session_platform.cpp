@@ -57,6 +57,17 @@ std::shared_ptr<platform::QTCaptureAudioPreviewOutput> SessionPlatform::makeAudi
   return std::make_shared<AudioPreviewOutput>();
 }
 
+std::vector<std::shared_ptr<platform::QTCaptureDevice>> SessionPlatform::inputDevicesWithMediaType(
+    const std::string& mediaType) {
+  // Every device that is known here delivers DV, in which picture and sound are one stream.
+  return mediaType == platform::QTMediaTypeMuxed ? inputDevices_
+                                                 : std::vector<std::shared_ptr<platform::QTCaptureDevice>>();
+}
+
+void SessionPlatform::setInputDevices(std::vector<std::shared_ptr<platform::QTCaptureDevice>> devices) {
+  inputDevices_ = std::move(devices);
+}
+
 void SessionPlatform::finishFiles() {
   for (const auto& output : fileOutputs_) output->finish();
 }

@@ -37,6 +37,11 @@ class SessionPlatform : public platform::CapturePlatform {
   std::shared_ptr<platform::QTCaptureMovieFileOutput> makeMovieFileOutput() override;
   std::shared_ptr<platform::QTCaptureVideoPreviewOutput> makeVideoPreviewOutput() override;
   std::shared_ptr<platform::QTCaptureAudioPreviewOutput> makeAudioPreviewOutput() override;
+  std::vector<std::shared_ptr<platform::QTCaptureDevice>> inputDevicesWithMediaType(
+      const std::string& mediaType) override;
+
+  /// Says what is connected; the host knows.
+  void setInputDevices(std::vector<std::shared_ptr<platform::QTCaptureDevice>> devices);
 
   /// Writes what is queued, completes the open files and ends the writers. Once, when no session runs any more.
   void finishFiles();
@@ -58,6 +63,7 @@ class SessionPlatform : public platform::CapturePlatform {
 
   // Main thread only.
   std::vector<std::shared_ptr<MovieFileOutput>> fileOutputs_;
+  std::vector<std::shared_ptr<platform::QTCaptureDevice>> inputDevices_;
 };
 
 }  // namespace zq::backend
