@@ -13,6 +13,7 @@
 #include "host/capture_run.h"
 #include "host/exit_codes.h"
 #include "host/interrupts.h"
+#include "host/session_catalogue.h"
 #include "host/setting_options.h"
 #include "host/text.h"
 
@@ -58,6 +59,10 @@ std::unique_ptr<platform::Runtime> makeRuntime(bool realTime) {
   return std::make_unique<backend::VirtualRuntime>(options);
 }
 
+std::string linesOf(const nlohmann::ordered_json& json) {
+  return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
 // Fits a terminal of 80 columns; a clip's date is in its name.
 void printSummary(const SessionReport& report, const std::string& reportPath) {
   fmt::print("{:>4}  {:<11}  {:<11}  {:>7}  {:>6}  {}\n", "clip", "from", "to", "frames", "thumbs", "file");
@@ -80,8 +85,6 @@ class CaptureCommand {
   int run(const std::vector<SettingChange>& changes) {
     auto tape = openDevice(options_.device);
     if (!tape.ok()) return failed(tape.error());
-    if (Status status = files_.prepare(); !status.ok()) return failed(status.error());
-    if (Status status = reportFile_.reserve(); !status.ok()) return failed(status.error());
     auto module = loadBackendModule();
     if (!module.ok()) return failed(module.error());
     const std::unique_ptr<platform::Runtime> runtime = makeRuntime(options_.realTime);
@@ -89,6 +92,7 @@ class CaptureCommand {
     ZQACController::initialize(*stored);
     backend::LayeredSettings settings(*runtime, *stored);
     if (Status status = layRunSettings(settings, changes); !status.ok()) return failed(status.error());
+    if (Status status = prepare(*module.value()); !status.ok()) return failed(status.error());
     const auto writers = module.value()->makeMovieWriters(console_);
     backend::RealRuntime wall;
     const Interrupts interrupts;
@@ -116,18 +120,35 @@ class CaptureCommand {
     return kExitFailed;
   }
 
+  /// All that is written to, in this order: nothing is left behind for a catalogue that cannot be used.
+  Status prepare(BackendModule& module) {
+    if (!options_.catalogue.empty()) {
+      const std::string tape = options_.tape.empty() ? tapeName() : options_.tape;
+      catalogue_ = std::make_unique<SessionCatalogue>(module, options_.catalogue, tape, console_);
+      if (Status status = catalogue_->prepare(); !status.ok()) return status;
+    }
+    if (Status status = files_.prepare(); !status.ok()) return status;
+    return reportFile_.reserve();
+  }
+
+  // The report comes first: it has all that a catalogue would be told, if that fails.
   int finish(const SessionReport& report, const platform::Settings& settings) {
-    const std::string text =
-        report.json(settings).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
-    const auto path = reportFile_.write(text);
+    nlohmann::ordered_json json = report.json(settings);
+    const auto path = reportFile_.write(linesOf(json));
+    const Status stored = catalogue_ ? catalogue_->store(files_.folder(), report.clips) : Status();
+    const bool isStored = catalogue_ && catalogue_->stored();
     if (options_.json) {
-      fmt::print("{}", text);
+      if (isStored) json["catalogue"] = catalogue_->json();
+      fmt::print("{}", linesOf(json));
     } else {
       printSummary(report, path.ok() ? path.value() : "none");
+      if (isStored) fmt::print("{}\n", catalogue_->summary());
     }
     std::fflush(stdout);
-    if (!path.ok()) return failed(path.error());
-    return tellEnd(report);
+    if (!path.ok()) console_.error(path.error());
+    if (!stored.ok()) console_.error(stored.error());
+    const int exitCode = tellEnd(report);
+    return path.ok() && stored.ok() ? exitCode : kExitFailed;
   }
 
   int tellEnd(const SessionReport& report) {
@@ -145,6 +166,7 @@ class CaptureCommand {
   Console& console_;
   ClipFiles files_;
   ReportFile reportFile_;
+  std::unique_ptr<SessionCatalogue> catalogue_;  // null without --catalogue
 };
 
 }  // namespace

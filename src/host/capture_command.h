@@ -15,6 +15,10 @@ struct CaptureOptions {
   bool realTime = false;
   std::vector<std::string> settings;  // KEY=VALUE
   bool json = false;
+  /// Where to store what was captured. Empty for nowhere.
+  std::string catalogue;
+  /// As which tape; empty for the name of the tape image.
+  std::string tape;
 };
 
 /// The exit code.

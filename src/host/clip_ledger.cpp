@@ -102,6 +102,8 @@ void ClipLedger::settleEntry(Entry& entry) {
   CapturedClip clip;
   if (entry.info) clip.info = *entry.info;
   clip.info.clipId = std::to_string(number);
+  clip.system = systemOfFrameSize(entry.frameBytes);
+  clip.impossibleDate = entry.impossibleDate;
   clip.tapeFrames = entry.tapeFrames;
   // What an unset clock wrote is no date to find a clip by.
   const std::string stem = files_.freeStem(entry.impossibleDate ? nullptr : clip.info.clipRecordingDate, number);

@@ -10,6 +10,7 @@
 #include "backends/session/movie_recorder.h"
 #include "base/log.h"
 #include "capture/clip_info.h"
+#include "dv/dv_system.h"
 #include "host/clip_files.h"
 #include "host/tape_findings.h"
 #include "platform/runtime.h"
@@ -19,6 +20,10 @@ namespace zq::host {
 /// A clip that is done. Paths are those within the output folder, empty where there is no file.
 struct CapturedClip {
   ClipInfo info;
+  /// Of its first frame; none when it was told of no frame.
+  std::optional<DVSystem> system;
+  /// The clock was never set: the recording date is none to find the clip by.
+  bool impossibleDate = false;
   std::string moviePath;
   /// Files that carry the movie on, where the tape changes system in mid clip.
   std::vector<std::string> movieContinuations;

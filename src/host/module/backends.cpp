@@ -1,6 +1,7 @@
 // The module's one entry: joins the backends that need large libraries to the host.
 
 #include "backends/media/movie_writer_factory.h"
+#include "backends/media/poster_maker.h"
 #include "backends/media/tape_maker.h"
 #include "backends/qt/qt_settings.h"
 #include "host/backend_module.h"
@@ -24,6 +25,18 @@ class Backends : public BackendModule {
     tapeScenes.reserve(scenes.size());
     for (const SceneOrder& scene : scenes) tapeScenes.push_back({scene.frames, scene.date, scene.timecode, false});
     return media::TapeMaker().make(path, system, tapeScenes, progress);
+  }
+
+  Expected<std::unique_ptr<CatalogueStore>> openCatalogue(const std::string& where, bool create) override {
+    return host::openCatalogue(where, create);
+  }
+
+  Expected<ReadableCatalogue> openCatalogueToRead(const std::string& where) override {
+    return host::openCatalogueToRead(where);
+  }
+
+  Expected<std::vector<std::uint8_t>> makePoster(const SharedBytes& frame, std::int32_t aspectRatio) override {
+    return media::PosterMaker().make(frame, aspectRatio);
   }
 };
 
