@@ -7,6 +7,8 @@
 #include <string>
 
 #include "host/capture_command.h"
+#include "host/catalogue_command.h"
+#include "host/catalogue_command_options.h"
 #include "host/console.h"
 #include "host/devices_command.h"
 #include "host/exit_codes.h"
@@ -21,6 +23,10 @@ using namespace zq::host;  // NOLINT(google-build-using-namespace): this file is
 constexpr char kExitCodes[] =
     "Exit codes: 0 done; 1 not done, or not to the end (what was captured is complete); 2 wrong command line;\n"
     "3 done, but the tape has something to look at; 130 ended by Ctrl-C.";
+
+CLI::Validator notEmpty() {
+  return CLI::Validator([](const std::string& text) { return text.empty() ? "it is empty" : std::string(); }, "");
+}
 
 void addDevices(CLI::App& app, DevicesOptions& options) {
   CLI::App* command = app.add_subcommand("devices", "List what can be captured from");
@@ -53,12 +59,19 @@ void addCapture(CLI::App& app, CaptureOptions& options) {
       ->expected(1)
       ->take_all();
   command->add_flag("--json", options.json, "Print the session report as JSON");
+  CLI::Option* catalogue =
+      command->add_option("--catalogue", options.catalogue, "Store the clips in this catalogue, made if need be")
+          ->check(notEmpty());
+  command->add_option("--tape", options.tape, "As this tape of the catalogue [name of the tape image]")
+      ->check(notEmpty())
+      ->needs(catalogue);
   command->footer("Settings for --set:\n" + settingsHelp() +
                   "\n"
                   "Examples:\n"
                   "  deckhand capture --device tape:holiday.dv --output clips\n"
                   "  deckhand capture --device tape:holiday.dv --output clips --format mkv --json\n"
                   "  deckhand capture --device tape:holiday.dv --output clips --set sampleInterval=3\n"
+                  "  deckhand capture --device tape:holiday.dv --output clips --catalogue tapes.db --tape \"Tape 7\"\n"
                   "  deckhand capture --device tape:holiday.dv --output pictures --set captureMovie=false");
 }
 
@@ -99,6 +112,7 @@ struct Options {
   InspectOptions inspect;
   CaptureOptions capture;
   MakeTapeOptions makeTape;
+  CatalogueCommandOptions catalogue;
 };
 
 int runCommand(const CLI::App& app, const Options& options) {
@@ -106,6 +120,7 @@ int runCommand(const CLI::App& app, const Options& options) {
   if (app.got_subcommand("devices")) return runDevices(options.devices);
   if (app.got_subcommand("inspect")) return runInspect(options.inspect, console);
   if (app.got_subcommand("capture")) return runCapture(options.capture, console);
+  if (app.got_subcommand("catalogue")) return runCatalogue(options.catalogue, console);
   return runMakeTape(options.makeTape, console);
 }
 
@@ -140,6 +155,7 @@ int run(int argc, char** argv) {
   addInspect(app, options.inspect);
   addCapture(app, options.capture);
   addMakeTape(app, options.makeTape);
+  addCatalogue(app, options.catalogue);
   const int exitCode = parseAndRun(app, options, argc, argv);
   if (outputArrived()) return exitCode;
   Console(false).error({"Cannot write the output", "The disk may be full, or its reader has gone."});
