@@ -80,8 +80,8 @@ ZQACRecaptureController::~ZQACRecaptureController() {
   session_->stopRunning();
   movieFileOutput_->setDelegate(nullptr);
   movieFileOutputAlter_->setDelegate(nullptr);
-  alive_.reset();
   preroll_.close();
+  alive_.reset();
   session_->stopRunning();
   if (const auto device = selectedVideoDevice()) device->waitForDelivery();
   devices_.release();

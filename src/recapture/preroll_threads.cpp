@@ -31,8 +31,13 @@ void PrerollThreads::end() {
   post(false, kWorkPosted);
 }
 
+// A frame may ask again between the moment when a thread takes its request and the one when the preroll begins. That
+// second request would be made after the first, and disarm the recording that it set up.
 void PrerollThreads::request() {
-  post(true, kWorkPosted);
+  prerollLock_.lock();
+  if (isSettingUp_) return prerollLock_.unlock();
+  startPreroll_ = true;
+  prerollLock_.unlockWithCondition(kWorkPosted);
 }
 
 void PrerollThreads::post(bool startPreroll, int condition) {
@@ -46,9 +51,17 @@ void PrerollThreads::run() {
   while (continuePreroll_) {
     prerollLock_.lockWhenCondition(kWorkPosted);
     const bool startPreroll = startPreroll_;
+    isSettingUp_ = isSettingUp_ || startPreroll;
     prerollLock_.unlockWithCondition(closing_ ? kWorkPosted : kIdle);
-    if (continuePreroll_ && startPreroll) startRecord_();
+    if (startPreroll) setUp();
   }
+}
+
+void PrerollThreads::setUp() {
+  if (continuePreroll_) startRecord_();
+  prerollLock_.lock();
+  isSettingUp_ = false;
+  prerollLock_.unlock();
 }
 
 }  // namespace zq

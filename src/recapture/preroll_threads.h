@@ -25,12 +25,13 @@ class PrerollThreads {
   void end();
   /// Main thread. Ends all threads, and waits for a recording that is being set up.
   void close();
-  /// From any thread: have a recording set up.
+  /// From any thread: have a recording set up, unless one is being set up already.
   void request();
 
  private:
   void post(bool startPreroll, int condition);
   void run();
+  void setUp();
 
   // Constant after construction.
   platform::Runtime& runtime_;
@@ -40,6 +41,7 @@ class PrerollThreads {
   platform::ConditionLock prerollLock_;
   // Guarded by prerollLock_.
   bool startPreroll_ = false;
+  bool isSettingUp_ = false;
 
   std::atomic<bool> continuePreroll_ = false;
   std::atomic<bool> closing_ = false;
