@@ -43,6 +43,8 @@ class BackendModule {
   virtual Expected<ReadableCatalogue> openCatalogueToRead(const std::string& where) = 0;
   /// A DV frame as a small JPEG picture of this aspect-ratio code; see the poster maker.
   virtual Expected<std::vector<std::uint8_t>> makePoster(const SharedBytes& frame, std::int32_t aspectRatio) = 0;
+  /// Reads the frames of a movie file back, one after the other.
+  virtual Status readMovieFrames(const std::string& path, const std::function<void(const SharedBytes&)>& take) = 0;
 };
 
 /// Loads the module from beside the program, or from where it is installed. It stays loaded.

@@ -8,27 +8,17 @@
 
 #include "backends/settings/layered_settings.h"
 #include "backends/time/real_runtime.h"
-#include "backends/time/virtual_runtime.h"
 #include "host/backend_module.h"
 #include "host/capture_run.h"
 #include "host/exit_codes.h"
 #include "host/interrupts.h"
 #include "host/session_catalogue.h"
 #include "host/setting_options.h"
+#include "host/tape_device.h"
 #include "host/text.h"
 
 namespace zq::host {
 namespace {
-
-constexpr char kTapePrefix[] = "tape:";
-
-Expected<std::shared_ptr<backend::TapeImage>> openDevice(const std::string& device) {
-  if (!device.starts_with(kTapePrefix)) {
-    return Error{"There is no device \"" + device + "\"",
-                 "A tape image is played as tape:PATH, as in tape:" + (device.empty() ? "holiday.dv" : device) + "."};
-  }
-  return backend::TapeImage::open(device.substr(sizeof(kTapePrefix) - 1));
-}
 
 Expected<std::vector<SettingChange>> parseSettings(const std::vector<std::string>& texts) {
   std::vector<SettingChange> changes;
@@ -52,13 +42,6 @@ Status layRunSettings(backend::LayeredSettings& run, const std::vector<SettingCh
   return {};
 }
 
-std::unique_ptr<platform::Runtime> makeRuntime(bool realTime) {
-  if (realTime) return std::make_unique<backend::RealRuntime>();
-  backend::VirtualOptions options;
-  options.overlapsWorkAside = true;
-  return std::make_unique<backend::VirtualRuntime>(options);
-}
-
 std::string linesOf(const nlohmann::ordered_json& json) {
   return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }
@@ -80,14 +63,18 @@ void printSummary(const SessionReport& report, const std::string& reportPath) {
 class CaptureCommand {
  public:
   CaptureCommand(const CaptureOptions& options, Console& console)
-      : options_(options), console_(console), files_(options.output, options.format, tapeName()), reportFile_(files_) {}
+      : options_(options),
+        console_(console),
+        files_(options.output, options.format, tapeNameOf(options.device)),
+        reportFile_(files_) {}
 
   int run(const std::vector<SettingChange>& changes) {
     auto tape = openDevice(options_.device);
     if (!tape.ok()) return failed(tape.error());
     auto module = loadBackendModule();
     if (!module.ok()) return failed(module.error());
-    const std::unique_ptr<platform::Runtime> runtime = makeRuntime(options_.realTime);
+    const std::unique_ptr<platform::Runtime> runtime =
+        makeRuntime(options_.realTime ? Pace::realTime : Pace::virtualTimeOnAllProcessors);
     const auto stored = module.value()->makeUserSettings(*runtime);
     ZQACController::initialize(*stored);
     backend::LayeredSettings settings(*runtime, *stored);
@@ -96,10 +83,16 @@ class CaptureCommand {
     const auto writers = module.value()->makeMovieWriters(console_);
     backend::RealRuntime wall;
     const Interrupts interrupts;
-    const platform::Duration lookEvery = options_.realTime ? std::chrono::milliseconds(200) : std::chrono::seconds(1);
-    CaptureRun run({*runtime, wall.clock(), settings, *writers, console_, files_, tape.value(), {}, lookEvery, [] {
-                      return Interrupts::wasAsked();
-                    }});
+    CaptureRun run({*runtime,
+                    wall.clock(),
+                    settings,
+                    *writers,
+                    console_,
+                    files_,
+                    tape.value(),
+                    {},
+                    lookInterval(options_.realTime),
+                    [] { return Interrupts::wasAsked(); }});
     SessionReport report = run.run();
     report.format = options_.format;
     report.findings = run.findings().lines();
@@ -109,12 +102,6 @@ class CaptureCommand {
   }
 
  private:
-  std::string tapeName() const {
-    const std::string stem =
-        std::filesystem::path(options_.device.substr(options_.device.find(':') + 1)).stem().string();
-    return stem.empty() ? "tape" : stem;
-  }
-
   int failed(const Error& error) {
     console_.error(error);
     return kExitFailed;
@@ -123,7 +110,7 @@ class CaptureCommand {
   /// All that is written to, in this order: nothing is left behind for a catalogue that cannot be used.
   Status prepare(BackendModule& module) {
     if (!options_.catalogue.empty()) {
-      const std::string tape = options_.tape.empty() ? tapeName() : options_.tape;
+      const std::string tape = options_.tape.empty() ? tapeNameOf(options_.device) : options_.tape;
       catalogue_ = std::make_unique<SessionCatalogue>(module, options_.catalogue, tape, console_);
       if (Status status = catalogue_->prepare(); !status.ok()) return status;
     }

@@ -65,8 +65,8 @@ ClipFiles::Names ClipFiles::workingNames(int number) {
   return {moviePath(stem), thumbnailsPath(stem)};
 }
 
-std::string ClipFiles::freeStem(const DateValue& date, int number) const {
-  const std::string base = date ? fileNameOf(*date) : fmt::format("{}-{:04}", tapeName_, number);
+std::string ClipFiles::freeStem(const DateValue& date, int number, const std::string& mark) const {
+  const std::string base = (date ? fileNameOf(*date) : fmt::format("{}-{:04}", tapeName_, number)) + mark;
   std::string stem = base;
   for (int counter = 2; !isFree(stem); ++counter) stem = fmt::format("{}-{}", base, counter);
   return stem;

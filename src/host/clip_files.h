@@ -30,7 +30,8 @@ class ClipFiles {
   Names workingNames(int number);
   /// A name that no file of the folder has: the date's, or the tape's and the clip's number without one; with a counter
   /// where that is taken.
-  std::string freeStem(const DateValue& date, int number) const;
+  /// `mark` is added to what names it.
+  std::string freeStem(const DateValue& date, int number, const std::string& mark = "") const;
   std::string moviePath(const std::string& stem) const;
   std::string thumbnailsPath(const std::string& stem) const;
   /// The path of a file in the folder.

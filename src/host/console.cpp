@@ -1,9 +1,11 @@
 #include "host/console.h"
 
+#include <fmt/format.h>
 #include <spdlog/logger.h>
 #include <spdlog/sinks/stdout_sinks.h>
 
 #include <atomic>
+#include <cstdio>
 
 namespace zq::host {
 
@@ -43,6 +45,10 @@ int Console::alerts() const {
 
 void Console::error(const Error& error) {
   logger_->error(error.text());
+}
+
+void Console::notice(const std::string& message) {
+  fmt::print(stderr, "{}", "deckhand: " + message + "\n");
 }
 
 void Console::warning(const std::string& message) {

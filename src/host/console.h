@@ -30,6 +30,8 @@ class Console : public Log, public platform::Alerts {
 
   void error(const Error& error);
   void warning(const std::string& message);
+  /// Always told, and nothing to worry about.
+  void notice(const std::string& message);
 
  private:
   const std::shared_ptr<spdlog::logger> logger_;

@@ -25,6 +25,16 @@ void ProgressLine::show(const CaptureProgress& progress) {
   shown_ = true;
 }
 
+void ProgressLine::show(const RecaptureProgress& progress) {
+  if (!onTerminal_) return;
+  const std::string timecode = textOf(progress.timecode);
+  const std::string date = textOf(progress.recordingDate);
+  fmt::print(stderr, "\r\033[K{}  {}  {} of {}  {}", timecode.empty() ? "--:--:--:--" : timecode,
+             date.empty() ? "no date" : date, progress.recaptured, counted(progress.inAll, "clip"), progress.note);
+  std::fflush(stderr);
+  shown_ = true;
+}
+
 void ProgressLine::clear() {
   if (!shown_) return;
   fmt::print(stderr, "\r\033[K");

@@ -19,6 +19,14 @@ struct CaptureProgress {
   double framesPerSecond = 25;  // the tape's own rate
 };
 
+struct RecaptureProgress {
+  std::string note;
+  TimecodeValue timecode;
+  DateValue recordingDate;
+  int recaptured = 0;
+  int inAll = 0;
+};
+
 /// Silent unless standard error is a terminal.
 class ProgressLine {
  public:
@@ -27,6 +35,7 @@ class ProgressLine {
   ~ProgressLine() { clear(); }
 
   void show(const CaptureProgress& progress);
+  void show(const RecaptureProgress& progress);
   /// Leaves an empty line for what is said next.
   void clear();
 

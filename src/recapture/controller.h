@@ -73,6 +73,8 @@ class ZQACRecaptureController : public platform::QTCaptureOutputDelegate {
   bool isRecaptureDone() const;
   std::string processNote() const;
   void setProcessNote(const std::string& note);
+  /// Whether a sequence was found and the tape still settles in it.
+  bool isSettling() const;
   /// Clips of the tape, and of the sequence that was found, that are still to be recaptured.
   std::int32_t totalCountOfClipsToBeRecaptured() const;
   std::int32_t totalCountOfClipsToBeRecapturedInSequence() const;

@@ -63,6 +63,11 @@ void ZQACRecaptureController::recaptureEntryWithSampleBuffer(const QTSampleBuffe
   position();
 }
 
+bool ZQACRecaptureController::isSettling() const {
+  const std::lock_guard guard(lock_);
+  return sequenceFound_ && offsetAfterCallOfDidOutputSample_ < kSettlingFrames;
+}
+
 /// Whether the tape still settles.
 bool ZQACRecaptureController::settle() {
   if (offsetAfterCallOfDidOutputSample_ >= kSettlingFrames) return false;

@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "platform/clock.h"
+
 namespace zq::backend {
 
 /// Nothing can go on: every thread waits, or a bound on the steps was reached. what() says who waits for what.
@@ -24,6 +26,8 @@ struct VirtualOptions {
   /// Lets work that asks for it run beside the thread whose turn it is, on another processor. Faster, but how far time
   /// gets meanwhile is no more the seed's to say.
   bool overlapsWorkAside = false;
+  /// How far time gets ahead of such work at most, before it is waited for.
+  platform::Duration aheadOfWorkAside = std::chrono::seconds(1);
   /// Called on the main thread with the report, before the threads are unwound. It may end the program, not block.
   std::function<void(const std::string& report)> onStuck;
 };

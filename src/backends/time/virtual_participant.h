@@ -45,6 +45,7 @@ class VirtualParticipant final : public Waitable {
   State state = State::kReady;
   const Waitable* waitsFor = nullptr;  // While waiting; null is for time to pass.
   std::optional<platform::TimePoint> deadline;
+  platform::TimePoint asideSince;  // while kAside
   std::vector<VirtualParticipant*> joiners;
   VirtualParticipant* unwinder = nullptr;  // Who gets the baton back when this thread has been unwound.
 

@@ -1,5 +1,6 @@
 #include "backends/time/virtual_scheduler.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -101,6 +102,7 @@ void VirtualScheduler::runAside(const std::function<void()>& work) {
   if (aside_ > 0) takeBack(false);
   if (!options_.overlapsWorkAside || comesApart_ || (ready_.empty() && !nextDeadline())) return work();
   self.state = VirtualParticipant::State::kAside;
+  self.asideSince = now_;
   ++aside_;
   VirtualParticipant& next = chooseNext();
   if (&next == &self) {  // The main thread, as the runtime comes to a stop.
@@ -197,6 +199,7 @@ VirtualParticipant& VirtualScheduler::chooseNext() {
     return stop("More than " + std::to_string(options_.maxSteps) + " steps");
   }
   if (aside_ > 0) takeBack(false);
+  while (ready_.empty() && aside_ > 0 && !mayPassTime()) takeBack(true);
   if (ready_.empty()) passTime();
   while (ready_.empty() && aside_ > 0) takeBack(true);
   if (ready_.empty()) return stop("Deadlock");
@@ -221,6 +224,15 @@ std::optional<platform::TimePoint> VirtualScheduler::nextDeadline() const {
     if (participant->deadline && (!next || *participant->deadline < *next)) next = participant->deadline;
   }
   return next;
+}
+
+// Timers go on while a thread works aside. Without a bound they would see hours pass while the others wait for it.
+bool VirtualScheduler::mayPassTime() const {
+  const std::optional<platform::TimePoint> next = nextDeadline();
+  return std::ranges::none_of(living_, [&](const VirtualParticipant* participant) {
+    return participant->state == VirtualParticipant::State::kAside && next &&
+           *next > participant->asideSince + options_.aheadOfWorkAside;
+  });
 }
 
 void VirtualScheduler::passTime() {

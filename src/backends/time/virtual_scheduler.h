@@ -60,6 +60,7 @@ class VirtualScheduler {
   void runThread(VirtualParticipant& self, std::function<void()> run);
   void suspend(const Waitable* waitsFor, std::optional<platform::TimePoint> deadline);
   VirtualParticipant& chooseNext();
+  bool mayPassTime() const;
   void passTime();
   std::optional<platform::TimePoint> nextDeadline() const;
   void takeBack(bool waitForOne);

@@ -1,5 +1,6 @@
 // The module's one entry: joins the backends that need large libraries to the host.
 
+#include "backends/media/movie_frames.h"
 #include "backends/media/movie_writer_factory.h"
 #include "backends/media/poster_maker.h"
 #include "backends/media/tape_maker.h"
@@ -37,6 +38,10 @@ class Backends : public BackendModule {
 
   Expected<std::vector<std::uint8_t>> makePoster(const SharedBytes& frame, std::int32_t aspectRatio) override {
     return media::PosterMaker().make(frame, aspectRatio);
+  }
+
+  Status readMovieFrames(const std::string& path, const std::function<void(const SharedBytes&)>& take) override {
+    return media::readMovieFrames(path, take);
   }
 };
 

@@ -14,6 +14,7 @@
 #include "host/exit_codes.h"
 #include "host/inspect_command.h"
 #include "host/make_tape_command.h"
+#include "host/recapture_command.h"
 #include "host/setting_options.h"
 
 namespace {
@@ -75,6 +76,30 @@ void addCapture(CLI::App& app, CaptureOptions& options) {
                   "  deckhand capture --device tape:holiday.dv --output pictures --set captureMovie=false");
 }
 
+void addRecapture(CLI::App& app, RecaptureOptions& options) {
+  CLI::App* command =
+      app.add_subcommand("recapture", "Find the marked clips of a catalogued tape and capture them again");
+  command->add_option("--device", options.device, "tape:PATH plays a tape image")->required();
+  command->add_option("--catalogue", options.catalogue, "The catalogue: a file, or a postgresql:// URL")
+      ->required()
+      ->check(notEmpty());
+  command->add_option("--tape", options.tape, "The tape in the device, by its name in the catalogue")
+      ->required()
+      ->check(notEmpty());
+  command->add_option("--output", options.output, "Folder for the movies; made if need be")->required();
+  command->add_option("--format", options.format, "Movie files: mov, avi, mkv or dv")
+      ->check(CLI::IsMember({"mov", "avi", "mkv", "dv"}))
+      ->capture_default_str();
+  command->add_flag("--manual", options.manual,
+                    "You move the tape to a session's place; its marked clips are captured");
+  command->add_flag("--real-time", options.realTime, "At the deck's own pace, not as fast as the machine can");
+  command->add_flag("--json", options.json, "Print the report as JSON");
+  command->footer(
+      "Examples:\n"
+      "  deckhand catalogue mark --catalogue tapes.db --tape holiday --clip 3 --clip 7\n"
+      "  deckhand recapture --device tape:holiday.dv --catalogue tapes.db --tape holiday --output again");
+}
+
 void addMakeTape(CLI::App& app, MakeTapeOptions& options) {
   CLI::App* command = app.add_subcommand("make-tape", "Make a tape image to try things out with");
   command->add_option("OUT", options.output, "The raw DV file to make, as in try.dv")->required();
@@ -112,6 +137,7 @@ struct Options {
   InspectOptions inspect;
   CaptureOptions capture;
   MakeTapeOptions makeTape;
+  RecaptureOptions recapture;
   CatalogueCommandOptions catalogue;
 };
 
@@ -120,6 +146,7 @@ int runCommand(const CLI::App& app, const Options& options) {
   if (app.got_subcommand("devices")) return runDevices(options.devices);
   if (app.got_subcommand("inspect")) return runInspect(options.inspect, console);
   if (app.got_subcommand("capture")) return runCapture(options.capture, console);
+  if (app.got_subcommand("recapture")) return runRecapture(options.recapture, console);
   if (app.got_subcommand("catalogue")) return runCatalogue(options.catalogue, console);
   return runMakeTape(options.makeTape, console);
 }
@@ -154,6 +181,7 @@ int run(int argc, char** argv) {
   addDevices(app, options.devices);
   addInspect(app, options.inspect);
   addCapture(app, options.capture);
+  addRecapture(app, options.recapture);
   addMakeTape(app, options.makeTape);
   addCatalogue(app, options.catalogue);
   const int exitCode = parseAndRun(app, options, argc, argv);

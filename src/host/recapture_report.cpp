@@ -1,0 +1,75 @@
+#include "host/recapture_report.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "host/text.h"
+
+namespace zq::host {
+
+using nlohmann::ordered_json;
+
+namespace {
+
+const char* nameOf(RecapturedClip::Status status) {
+  switch (status) {
+    case RecapturedClip::Status::recaptured:
+      return "recaptured";
+    case RecapturedClip::Status::cancelled:
+      return "cancelled";
+    case RecapturedClip::Status::waiting:
+    case RecapturedClip::Status::failed:
+      break;
+  }
+  return "failed";
+}
+
+ordered_json clipJson(const RecapturedClip& entry) {
+  ordered_json json = {{"clipId", std::to_string(entry.clip.id)},
+                       {"status", nameOf(entry.status)},
+                       {"moviePath", jsonOf(entry.moviePath)},
+                       {"recapturePath", jsonOf(entry.recapturePath)},
+                       {"movieFrames", entry.movieFrames}};
+  if (!entry.reason.empty()) json["reason"] = entry.reason;
+  return json;
+}
+
+}  // namespace
+
+int RecaptureReport::count(RecapturedClip::Status status) const {
+  return static_cast<int>(std::ranges::count(outcome_.clips, status, &RecapturedClip::status));
+}
+
+ordered_json RecaptureReport::json() const {
+  ordered_json clips = ordered_json::array();
+  for (const RecapturedClip& entry : outcome_.clips) clips.push_back(clipJson(entry));
+  ordered_json alerts = ordered_json::array();
+  for (const Error& alert : outcome_.alerts) {
+    alerts.push_back({{"message", alert.message}, {"informative", alert.informative}});
+  }
+  ordered_json report = {{"tape", tape_},
+                         {"mode", manual_ ? "manual" : "automatic"},
+                         {"clips", clips},
+                         {"recaptured", count(RecapturedClip::Status::recaptured)},
+                         {"failed", count(RecapturedClip::Status::failed)},
+                         {"alerts", alerts},
+                         {"tapeSeconds", outcome_.tapeSeconds}};
+  if (outcome_.error) report["error"] = outcome_.error->text();
+  return report;
+}
+
+void RecaptureReport::print() const {
+  fmt::print("{:>5}  {:<19}  {:<11}  {:>7}  {:<10}  {}\n", "clip", "recorded", "from", "frames", "status", "file");
+  for (const RecapturedClip& entry : outcome_.clips) {
+    fmt::print("{:>5}  {:<19}  {:<11}  {:>7}  {:<10}  {}\n", entry.clip.id, textOf(entry.clip.recordingDate),
+               textOf(entry.clip.startTimecode), entry.movieFrames, nameOf(entry.status), entry.moviePath);
+    if (!entry.reason.empty()) fmt::print("       {}\n", entry.reason);
+  }
+  fmt::print("\n{} recaptured, {} failed, {} cancelled; the deck was busy for {:.0f} s\n",
+             count(RecapturedClip::Status::recaptured), count(RecapturedClip::Status::failed),
+             count(RecapturedClip::Status::cancelled), outcome_.tapeSeconds);
+}
+
+}  // namespace zq::host

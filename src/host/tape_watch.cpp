@@ -1,0 +1,66 @@
+#include "host/tape_watch.h"
+
+#include <utility>
+
+namespace zq::host {
+namespace {
+
+// Longer than the controller lets a tape stand on purpose, and than a deck takes to obey.
+constexpr platform::Duration kStandsForGood = std::chrono::seconds(6);
+// A tape that comes back to the end that it left after fewer frames does not get away from there.
+constexpr std::int64_t kFewFrames = 25;
+
+}  // namespace
+
+void TapeWatch::transportChanged(const platform::AVCTransportControls& controls, platform::TimePoint now) {
+  if (controls == platform::AVCTransportControls{0, 0}) {
+    if (!standingSince_) standingSince_ = now;
+    return;
+  }
+  standingSince_.reset();
+  if (controls.speed != 0) lastSpeed_ = controls.speed;
+}
+
+TapeAdvice TapeWatch::look(const Session& session, platform::TimePoint now) {
+  if (isLate(session, now)) return TapeAdvice::giveUpClip;
+  if (!standingSince_ || now - *standingSince_ < kStandsForGood) return TapeAdvice::none;
+  standingSince_ = now;
+  return atEndOfTape(session);
+}
+
+bool TapeWatch::isLate(const Session& session, platform::TimePoint now) {
+  if (session.recordedClips != recordedClips_) progressAt_ = now;
+  recordedClips_ = session.recordedClips;
+  if (!session.recording) recordingSince_.reset();
+  if (session.recording && !recordingSince_) recordingSince_ = now;
+  return now - progressAt_ > limits_.clip || (recordingSince_ && now - *recordingSince_ > limits_.recording);
+}
+
+// A tape that stands delivers no frames, and without frames nothing is decided any more.
+TapeAdvice TapeWatch::atEndOfTape(const Session& session) {
+  const bool atEnd = lastSpeed_ >= 0;
+  if (session.recording && atEnd) return TapeAdvice::giveUpClip;
+  if (!session.sequenceFound && atEnd && !winding_) return TapeAdvice::giveUpUndated;
+  const bool searching = session.sequenceFound && !session.settling && !session.recording;
+  if (searching && atEnd && session.place < 0) return TapeAdvice::giveUpAtEnd;
+  if (searching && !atEnd && session.place > 0) return TapeAdvice::giveUpAtBeginning;
+  return leave(session);
+}
+
+// There is one way to go from an end. A session that drives the tape back at once, as it does when it settles on a
+// short tape, gets all of the tape from the other end.
+TapeAdvice TapeWatch::leave(const Session& session) {
+  const End end = lastSpeed_ < 0 ? End::beginning : End::end;
+  const bool cameBackAtOnce =
+      !winding_ && leftEnd_ == end && framesAtLeaving_ && session.frames - *framesAtLeaving_ < kFewFrames;
+  if (cameBackAtOnce) {
+    winding_ = true;
+    return end == End::beginning ? TapeAdvice::windToEnd : TapeAdvice::windToBeginning;
+  }
+  winding_ = false;
+  leftEnd_ = end;
+  framesAtLeaving_ = session.frames;
+  return end == End::beginning ? TapeAdvice::play : TapeAdvice::playBackwards;
+}
+
+}  // namespace zq::host
