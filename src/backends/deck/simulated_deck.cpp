@@ -254,7 +254,6 @@ void SimulatedDeck::sendToSink(const QTFormatDescription& format, const SharedBy
 void SimulatedDeck::stopAtEndOfTape(std::int64_t frame) {
   motion_.stopAt(frame);
   unannounced_.push_back(kStopped);
-  commands_.clear();
   mutex_->unlock();
   announceChanges();
   mutex_->lock();

@@ -160,17 +160,6 @@ TEST_F(DeckStatus, TheLastOfSeveralSlowCommandsIsTheOneThatStays) {
   EXPECT_LE(rig.sink.deliveries.size(), 1U);
 }
 
-TEST_F(DeckStatus, TheEndOfTheTapeForgetsCommandsThatAreUnderWay) {
-  DeckOptions options;
-  options.reactions.command = 100ms;
-  DeckRig rig(tapeOf(5), options);
-  rig.command(kDeckPlay);
-  rig.runFor(250ms);
-  rig.command(kDeckPause);
-  rig.runFor(1s);
-  EXPECT_THAT(rig.announced(), ElementsAre(kDeckPlay, kDeckStop));
-}
-
 TEST_F(DeckStatus, ALateStatusLagsBehindTheTape) {
   DeckOptions options;
   options.faults.lateStatus = 500ms;

@@ -101,6 +101,19 @@ TEST_F(DeckTapeEnds, PlayAtTheEndStopsAgainAtOnce) {
   EXPECT_EQ(rig.notices.back().at, 1s);
 }
 
+// Whoever commanded it did not know that the tape would stand by then.
+TEST_F(DeckTapeEnds, ACommandThatIsOnItsWayIsObeyedAfterTheTapeHasStopped) {
+  DeckOptions options;
+  options.reactions.command = 1s;
+  DeckRig rig(tapeOf(5), options);
+  rig.command(kDeckRewind);
+  rig.runFor(500ms);
+  rig.command(kDeckPlay);
+  rig.runFor(3s);
+  EXPECT_THAT(rig.announced(), ElementsAre(kDeckRewind, kDeckStop, kDeckPlay, kDeckStop));
+  EXPECT_THAT(rig.sink.numbers(), ElementsAre(0, 1, 2, 3, 4));
+}
+
 TEST_F(DeckTapeEnds, PauseAtTheEndShowsTheLastFrame) {
   DeckRig rig(tapeOf(30));
   rig.command(kDeckWind);
