@@ -1,6 +1,7 @@
 #include "host/alert_list.h"
 
 #include <mutex>
+#include <string_view>
 
 namespace zq::host {
 
@@ -8,7 +9,9 @@ AlertList::AlertList(platform::Runtime& runtime, Console& console)
     : console_(console), mutex_(runtime.makeMutex("alerts")) {}
 
 int AlertList::runModal(const std::string& messageText, const std::string& informativeText) {
-  console_.notice(messageText + " " + informativeText);
+  const bool isSentence =
+      !messageText.empty() && std::string_view(".!?").find(messageText.back()) != std::string_view::npos;
+  console_.notice(messageText + (isSentence ? " " : ": ") + informativeText);
   const std::lock_guard guard(*mutex_);
   shown_.push_back({messageText, informativeText});
   return kDefaultButton;

@@ -59,6 +59,10 @@ RecaptureRun::RecaptureRun(const RecaptureRunSetup& setup)
 
 RecaptureRun::~RecaptureRun() = default;
 
+const platform::QTCaptureDevice& RecaptureRun::deck() const {
+  return *parts_->deck;
+}
+
 RecaptureOutcome RecaptureRun::run() {
   RecaptureLedger& ledger = parts_->ledger;
   const auto folder = ledger.makeAliasFolder();

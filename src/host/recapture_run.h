@@ -56,6 +56,8 @@ class RecaptureRun {
   ~RecaptureRun();
 
   RecaptureOutcome run();
+  /// Also after run().
+  const platform::QTCaptureDevice& deck() const;
 
  private:
   struct Parts;
