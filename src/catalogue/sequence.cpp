@@ -18,7 +18,7 @@ bool isEarlier(const DateValue& one, const DateValue& other) {
 }  // namespace
 
 ZQACSequence::ZQACSequence(std::string sequenceId, std::string sequenceName, std::vector<ClipValue> allClips,
-                           DateValue now)
+                           const DateValue& now)
     : allClips_(std::move(allClips)), sequenceName_(std::move(sequenceName)), sequenceId_(std::move(sequenceId)) {
   computeTotalDurationInFrame();
   countOfRecapturedClips_ = computeRecapturedClips();

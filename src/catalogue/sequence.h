@@ -16,7 +16,7 @@ namespace zq {
 class ZQACSequence {
  public:
   /// `now` stands for the moment when the sequence is made, which its earliest start is sought from.
-  ZQACSequence(std::string sequenceId, std::string sequenceName, std::vector<ClipValue> allClips, DateValue now);
+  ZQACSequence(std::string sequenceId, std::string sequenceName, std::vector<ClipValue> allClips, const DateValue& now);
 
   /// Adds the clips' durations to the stored total, and returns the new total: it does not start from zero.
   std::int32_t computeTotalDurationInFrame();

@@ -98,8 +98,8 @@ std::string SessionCatalogue::summary() const {
 
 nlohmann::ordered_json SessionCatalogue::json() const {
   nlohmann::ordered_json ids = nlohmann::ordered_json::array();
-  for (const CatalogueClip& clip : stored_->clips) ids.push_back(clip.id);
-  return {{"tape", tape_}, {"sequenceId", stored_->id}, {"clips", std::move(ids)}};
+  for (const CatalogueClip& clip : stored_->clips) ids.push_back(std::to_string(clip.id));
+  return {{"tape", tape_}, {"sequenceId", std::to_string(stored_->id)}, {"clips", std::move(ids)}};
 }
 
 }  // namespace zq::host

@@ -207,9 +207,10 @@ TEST_F(CaptureCatalogue, ThePrintedReportSaysWhereItWasStoredAndTheFileStaysAsIt
   const ProgramResult result = capture(frames, {"--json", "--tape", "Tape 7"});
   json printed = json::parse(result.out);
   const CatalogueSequence sequence = onlySequence("Tape 7");
-  EXPECT_EQ(printed.at("catalogue"), (json{{"tape", "Tape 7"},
-                                           {"sequenceId", sequence.id},
-                                           {"clips", {sequence.clips.at(0).id, sequence.clips.at(1).id}}}));
+  EXPECT_EQ(printed.at("catalogue"),
+            (json{{"tape", "Tape 7"},
+                  {"sequenceId", std::to_string(sequence.id)},
+                  {"clips", {std::to_string(sequence.clips.at(0).id), std::to_string(sequence.clips.at(1).id)}}}));
   printed.erase("catalogue");
   EXPECT_EQ(printed, report());
 }

@@ -74,7 +74,8 @@ int portOf(const std::string& text) {
   const char* const end = text.data() + text.size();
   const auto [rest, failed] = std::from_chars(text.data(), end, port);
   if (failed != std::errc() || rest != end || port < 1 || port > 65535) {
-    throw BadUrl{"Its port \"" + text + "\" is no number from 1 to 65535"};
+    // Not with the port itself, which is a part of the password where that has an unwritten %2F.
+    throw BadUrl{"Its port is no number from 1 to 65535; a / in the password is written %2F"};
   }
   return port;
 }
