@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <spdlog/logger.h>
 #include <spdlog/sinks/stdout_sinks.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cstdio>
@@ -48,7 +49,9 @@ void Console::error(const Error& error) {
 }
 
 void Console::notice(const std::string& message) {
-  fmt::print(stderr, "{}", "deckhand: " + message + "\n");
+  // Over what stands in the line of a terminal.
+  const std::string clear = ::isatty(STDERR_FILENO) != 0 ? "\r\033[K" : "";
+  fmt::print(stderr, "{}", clear + "deckhand: " + message + "\n");
 }
 
 void Console::warning(const std::string& message) {

@@ -15,9 +15,8 @@ namespace {
 std::atomic<int> asked{0};  // NOLINT: a signal handler can reach nothing but globals
 
 constexpr std::array<int, 3> kSignals{SIGINT, SIGTERM, SIGHUP};
-constexpr std::string_view kStopping = "\ndeckhand: stopping, the open files are being completed\n";
-constexpr std::string_view kAlready =
-    "\ndeckhand: already stopping, the open files are being completed (once more abandons them)\n";
+constexpr std::string_view kStopping = "\ndeckhand: stopping, what is complete stays\n";
+constexpr std::string_view kAlready = "\ndeckhand: already stopping (once more abandons the open files)\n";
 
 void say(std::string_view text) {
   static_cast<void>(!::write(STDERR_FILENO, text.data(), text.size()));

@@ -7,6 +7,7 @@
 #include "backends/session/sample_attributes.h"
 #include "dv/frame_timecode.h"
 #include "dv/recording_date_scan.h"
+#include "host/recapture_plan.h"
 #include "host/text.h"
 #include "timecode/timecode_text.h"
 #include "timecode/timecode_utils.h"
@@ -20,7 +21,8 @@ int compare(const SMPTETime& one, const SMPTETime& other) {
 
 /// Whole seconds that `frames` frames last at most; the clock may turn one more while they pass.
 double secondsOf(std::int64_t frames, int timebase) {
-  return static_cast<double>(frames / timebase) + 1;
+  const std::int64_t wholeSeconds = frames / timebase;
+  return static_cast<double>(wholeSeconds + 1);
 }
 
 }  // namespace
@@ -34,6 +36,10 @@ void MovieCheck::add(const SharedBytes& frame) {
 }
 
 void MovieCheck::checkTimecode(const SMPTETime& timecode) {
+  if (timecode.mType != clip_.startTimecode->mType) {
+    const auto systemOf = [](const SMPTETime& time) { return time.mType == 1 ? "625/50" : "525/60"; };
+    wrong(fmt::format("it is of {}, and the clip of {}", systemOf(timecode), systemOf(*clip_.startTimecode)));
+  }
   if (!lastTimecode_) {
     const bool first = frames_ == 0 ? compare(timecode, *clip_.startTimecode) == 0
                                     : backend::timecodeFollows(*clip_.startTimecode, timecode, frames_);
@@ -73,13 +79,19 @@ std::string MovieCheck::verdict() const {
   if (!wrong_.empty()) return wrong_;
   if (frames_ == 0) return "it has no frames";
   if (!lastTimecode_) return "none of its frames has a timecode";
-  const bool endsRight = backend::timecodeFollows(*lastTimecode_, *clip_.endTimecode, frames_ - lastTimecodeFrame_);
   if (timecodeJumped_ && frames_ != clip_.movieFrames - 1) {
-    return fmt::format("it has {} frames where the clip had {} before its last one", frames_, clip_.movieFrames - 1);
+    return fmt::format("it has {} where the clip had {} before its last frame", counted(frames_, "frame"),
+                       clip_.movieFrames - 1);
   }
-  if (endsRight) return "";
+  if (endsRight()) return "";
   return fmt::format("it ends after {}, not before the clip's end {}", timecodeText(*lastTimecode_),
                      timecodeText(*clip_.endTimecode));
+}
+
+bool MovieCheck::endsRight() const {
+  const std::int64_t untimed = frames_ - 1 - lastTimecodeFrame_;
+  if (isFromList(clip_)) return backend::timecodeFollows(*lastTimecode_, *clip_.endTimecode, untimed);
+  return backend::timecodeFollows(*lastTimecode_, *clip_.endTimecode, untimed + 1);
 }
 
 }  // namespace zq::host

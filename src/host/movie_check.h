@@ -12,8 +12,9 @@
 namespace zq::host {
 
 /// Told of each frame of the movie in turn. The movie has to begin with the frame at the clip's start timecode and to
-/// end with the frame before the one at its end timecode; in between timecodes run on frame by frame, and recording
-/// dates with them. Frames that lost their timecode or date on the way are borne out by those around them.
+/// end with the frame before the one at its end timecode, or with that one where a list brought the clip; in between
+/// timecodes run on frame by frame, and recording dates with them. Frames that lost their timecode or date on the way
+/// are borne out by those around them.
 class MovieCheck {
  public:
   explicit MovieCheck(CatalogueClip clip) : clip_(std::move(clip)) {}
@@ -26,6 +27,7 @@ class MovieCheck {
  private:
   void checkTimecode(const SMPTETime& timecode);
   void checkDate(const DateValue& date);
+  bool endsRight() const;
   /// Keeps the first thing that is wrong.
   void wrong(std::string what);
   std::string where() const;

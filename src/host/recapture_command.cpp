@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -9,6 +10,7 @@
 #include "host/backend_module.h"
 #include "host/exit_codes.h"
 #include "host/interrupts.h"
+#include "host/recapture_plan.h"
 #include "host/recapture_report.h"
 #include "host/recapture_run.h"
 #include "host/tape_device.h"
@@ -31,11 +33,21 @@ class RecaptureCommand {
     if (!catalogue.ok()) return failed(catalogue.error());
     auto tape = catalogue.value()->tape(options_.tape);
     if (!tape.ok()) return failed(tape.error());
+    if (Status status = checkWritable(*catalogue.value(), tape.value()); !status.ok()) return failed(status.error());
     if (Status status = files_.prepare(); !status.ok()) return failed(status.error());
     return record(*module.value(), *catalogue.value(), tape.value(), image.value());
   }
 
  private:
+  // A catalogue that may only be read opens like any other, and the tape would have been played before it is told.
+  // Marking what is marked changes nothing.
+  static Status checkWritable(CatalogueStore& store, const CatalogueTape& tape) {
+    const RecapturePlan plan = planOf(tape);
+    if (plan.clips.empty()) return {};
+    const auto written = store.setMarked({plan.clips.front().id}, true);
+    return written.ok() ? Status() : Status(written.error());
+  }
+
   int record(BackendModule& module, CatalogueStore& store, const CatalogueTape& tape,
              const std::shared_ptr<backend::TapeImage>& image) {
     const std::unique_ptr<platform::Runtime> runtime =
@@ -68,6 +80,7 @@ class RecaptureCommand {
       report.print();
     }
     std::fflush(stdout);
+    for (const std::string& line : report.failures()) console_.warning(line);
     if (outcome.error) return failed({"The recapture ended early", outcome.error->text()});
     if (outcome.interrupted) return kExitInterrupted;
     if (outcome.clips.empty()) {
@@ -76,8 +89,11 @@ class RecaptureCommand {
                          options_.catalogue + " --tape \"" + options_.tape + "\" --all"});
     }
     const int recaptured = report.count(RecapturedClip::Status::recaptured);
-    if (recaptured == static_cast<int>(outcome.clips.size())) return kExitOk;
-    return recaptured == 0 ? kExitFailed : kExitFindings;
+    if (recaptured == 0) return kExitFailed;
+    // A clip that was recaptured has a reason where the catalogue could not be told of it.
+    const bool allDone = recaptured == static_cast<int>(outcome.clips.size()) &&
+                         std::ranges::all_of(outcome.clips, &std::string::empty, &RecapturedClip::reason);
+    return allDone ? kExitOk : kExitFindings;
   }
 
   int failed(const Error& error) {

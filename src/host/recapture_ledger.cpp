@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "dv/frame_timecode.h"
 #include "host/movie_check.h"
 #include "host/text.h"
 
@@ -81,14 +82,13 @@ void RecaptureLedger::movieFinished(const backend::FinishedFile& file) {
     working = *found;
     isPartial = cancelled_ && !working.closed;
   }
-  removeAliasesOf(file.path);
   std::error_code ignored;
   if (isPartial) fs::remove(file.path, ignored);
   if (working.clip >= clips_.size() || !isThere(file.path)) return;
   RecapturedClip& entry = clips_[working.clip];
   const std::string verdict = verdictOn(entry, file);
+  if (entry.status != RecapturedClip::Status::recaptured) entry.movieFrames = file.frames;
   if (verdict.empty() && entry.status != RecapturedClip::Status::recaptured) {
-    entry.movieFrames = file.frames;
     keep(entry, file.path);
   } else {
     setAside(entry, file.path, verdict);
@@ -103,7 +103,22 @@ std::string RecaptureLedger::verdictOn(const RecapturedClip& entry, const backen
     return read.error().text();
   }
   if (check.frames() != file.frames) return "it does not hold the frames that were written";
-  return check.verdict();
+  const std::string verdict = check.verdict();
+  return verdict.empty() ? verdictOnLength(entry, check.frames()) : verdict;
+}
+
+// Where a timecode starts again within a clip, its end timecode comes by before the clip has ended. Only the movie that
+// was captured can tell that; what it has behind the end may also be blank tape, which bears no timecodes.
+std::string RecaptureLedger::verdictOnLength(const RecapturedClip& entry, std::int64_t frames) const {
+  if (frames >= entry.clip.movieFrames - 1 || entry.clip.moviePath.empty()) return "";
+  std::int64_t index = 0;
+  std::int64_t behindTheEnd = 0;
+  const Status read = services_.readMovie(entry.clip.moviePath, [&](const SharedBytes& frame) {
+    if (index++ > frames && firstTimecode(frame)) ++behindTheEnd;
+  });
+  if (!read.ok() || behindTheEnd <= entry.clip.timebase) return "";
+  return "it ends where the clip's end timecode comes by for the first time, and " + counted(behindTheEnd, "frame") +
+         " of the captured movie follow";
 }
 
 void RecaptureLedger::keep(RecapturedClip& entry, const std::string& path) {
@@ -139,19 +154,7 @@ void RecaptureLedger::setAside(RecapturedClip& entry, const std::string& path, c
   const bool moved = moveWithoutOverwriting(path, named).ok();
   if (entry.status == RecapturedClip::Status::recaptured) return;
   entry.moviePath = ClipFiles::nameOf(moved ? named : path);
-  fail(entry.clip.id, "The movie is not right: " + verdict + ".");
-}
-
-// The controller leaves the alias at the path of the clip that the tape was in when the movie was complete, which may
-// be the next one already.
-void RecaptureLedger::removeAliasesOf(const std::string& path) const {
-  std::error_code failed;
-  std::vector<fs::path> aliases;
-  for (const auto& entry : fs::directory_iterator(aliasFolder_, failed)) {
-    if (!entry.is_symlink(failed)) continue;
-    if (fs::read_symlink(entry.path(), failed).filename() == fs::path(path).filename()) aliases.push_back(entry.path());
-  }
-  for (const fs::path& alias : aliases) fs::remove(alias, failed);
+  fail(entry.clip.id, "The movie is not right: " + verdict + (verdict.ends_with('.') ? "" : "."));
 }
 
 void RecaptureLedger::fail(std::int64_t clip, const std::string& reason) {

@@ -77,10 +77,10 @@ class RecaptureLedger {
 
   RecapturedClip* find(std::int64_t clip);
   std::string verdictOn(const RecapturedClip& entry, const backend::FinishedFile& file) const;
+  std::string verdictOnLength(const RecapturedClip& entry, std::int64_t frames) const;
   void keep(RecapturedClip& entry, const std::string& path);
   void setAside(RecapturedClip& entry, const std::string& path, const std::string& verdict);
   void leaveAlias(RecapturedClip& entry, const std::string& movie) const;
-  void removeAliasesOf(const std::string& path) const;
 
   // Constant after construction.
   const Services services_;

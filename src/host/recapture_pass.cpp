@@ -1,6 +1,7 @@
 #include "host/recapture_pass.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "recapture/tape_search.h"
@@ -11,18 +12,56 @@ namespace {
 constexpr std::int32_t kAutomaticTag = 0;
 constexpr std::int32_t kManualTag = 1;
 
+// A date that was worked out from timecodes may be a second beside the tape's.
+constexpr double kBesideTheStart = 1;
+
+bool isAtStartOf(const ClipValue& clip, const DateValue& date) {
+  if (!clip || !clip->dateStartClip() || !date) return true;
+  return std::abs(date->timeIntervalSinceDate(*clip->dateStartClip())) <= kBesideTheStart;
+}
+
+void armStartAgain(ZQACRecaptureController& controller) {
+  const ClipValue clip = controller.clipToBeRecaptured();
+  if (clip && clip->timecodeStartClip()) controller.setStartTimecode(*clip->timecodeStartClip());
+}
+
+RecaptureOutlets outletsFor(NoteLog& note) {
+  RecaptureOutlets outlets;
+  outlets.messageText = &note;
+  return outlets;
+}
+
+// Frames without a date are passed over, and with them the end of a clip that blank tape or damage follows: its movie
+// would run on to the next dated frame. What is being recorded ends at its end timecode, dated or not.
+void closeAtUndatedEnd(ZQACRecaptureController& controller, const platform::QTSampleBuffer& frame) {
+  const bool writes = controller.movieFileOutput().outputFileURL() && controller.startTimecode() == nullTimecode;
+  if (!writes || !frame.smpteTime || controller.isPrerolling()) return;
+  if (controller.getDateFromSampleBuffer(frame)) return;
+  controller.setCurrentTimecode(*frame.smpteTime);
+  controller.generateMovieFile();
+}
+
 }  // namespace
 
 RecapturePass::RecapturePass(const RecapturePassSetup& setup)
-    : setup_(setup), delegate_(makeDelegate()), watch_(setup.runtime.clock().now(), setup.limits) {}
+    : setup_(setup),
+      note_(setup.runtime, setup.console),
+      delegate_(makeDelegate()),
+      watch_(setup.runtime.clock().now(), setup.limits) {}
 
 RecapturePass::~RecapturePass() = default;
 
-// Every movie gets a path of the host's own: without one the controller would not come out of its recording.
+// Every movie gets a path of the host's own: without one the controller would not come out of its recording. It begins
+// one at a timecode, whatever the date, and where timecodes start again with every scene the preroll may have come to
+// the same timecode in the scene before. Then an answer without a path lets nothing be written.
 ZQACRecaptureControllerDelegate RecapturePass::makeDelegate() {
   ZQACRecaptureControllerDelegate delegate;
   delegate.acRecaptureControllerWillRecord = [this](ZQACRecaptureController& controller) {
     const ClipValue clip = controller.clipToBeRecaptured();
+    if (!isAtStartOf(clip, controller.currentDateOnClip())) {
+      cameToAnotherStart_ = &controller;
+      return std::optional(RecapturePaths{});
+    }
     return std::optional(RecapturePaths{setup_.ledger.open(clip ? clip->clipId() : "")});
   };
   delegate.acRecaptureControllerDidRecordInfo = [this](auto&, const RecaptureInfo&) { setup_.ledger.close(); };
@@ -41,8 +80,11 @@ RecapturePass::End RecapturePass::run() {
     if (!error_) error_ = error;
     end(End::error);
   };
-  observer.frameSeen = [this](platform::QTCaptureFileOutput& output, const platform::QTSampleBuffer&) {
-    if (&output == watchedOutput_) ++frames_;
+  observer.frameSeen = [this](platform::QTCaptureFileOutput& output, const platform::QTSampleBuffer& frame) {
+    if (&output != watchedOutput_) return;
+    ++frames_;
+    if (ZQACRecaptureController* controller = std::exchange(cameToAnotherStart_, nullptr)) armStartAgain(*controller);
+    closeAtUndatedEnd(*watchedController_, frame);
   };
   platform_ = std::make_unique<backend::SessionPlatform>(setup_.runtime, setup_.writers, setup_.console, observer);
   platform_->setInputDevices({setup_.device});
@@ -56,7 +98,8 @@ void RecapturePass::start() {
   controller_ = std::make_unique<ZQACRecaptureController>(
       RecaptureServices{setup_.runtime, *platform_, setup_.notifications, setup_.alerts, setup_.strings, setup_.files,
                         setup_.console},
-      RecaptureOutlets{});
+      outletsFor(note_));
+  watchedController_ = controller_.get();
   watchedOutput_ = &controller_->movieFileOutput();
   controller_->setDelegate(&delegate_);
   transportObservation_ = setup_.notifications.addObserver(

@@ -12,6 +12,7 @@
 #include "backends/session/session_platform.h"
 #include "host/alert_list.h"
 #include "host/console.h"
+#include "host/note_log.h"
 #include "host/progress_line.h"
 #include "host/recapture_ledger.h"
 #include "host/tape_watch.h"
@@ -77,10 +78,16 @@ class RecapturePass {
 
   // Constant after construction.
   const RecapturePassSetup setup_;
+  NoteLog note_;
   const ZQACRecaptureControllerDelegate delegate_;
 
   std::atomic<std::int64_t> frames_ = 0;
+  // Set before the first frame; frames come only while the controller lives.
+  ZQACRecaptureController* watchedController_ = nullptr;
   std::atomic<const platform::QTCaptureFileOutput*> watchedOutput_ = nullptr;
+
+  // Delivery thread only: whose start timecode came by in another scene, while this frame is delivered.
+  ZQACRecaptureController* cameToAnotherStart_ = nullptr;
 
   // Main thread only.
   std::unique_ptr<backend::SessionPlatform> platform_;

@@ -27,9 +27,15 @@ std::string reasonAgainst(const CatalogueClip& clip) {
   if (!clip.recordingDate) return "It has no recording date to find it by.";
   if (!clip.startTimecode || !clip.endTimecode) return "It has no timecodes to record it between.";
   const int order = ZQACTimecodeUtils::timecodeCompareWith(*clip.startTimecode, *clip.endTimecode);
-  if (order == 0) return "It is one frame long, and the frame at the end timecode is not recorded.";
+  if (order == 0 && !isFromList(clip))
+    return "It is one frame long, and the frame at the end timecode is not recorded.";
   if (order > 0) return "Its timecode does not run on from its start to its end.";
   return "";
+}
+
+/// Of the frame that closes the recording.
+SMPTETime closingTimecodeOf(const CatalogueClip& clip) {
+  return isFromList(clip) ? ZQACTimecodeUtils::addNbFrameToTimecode(1, *clip.endTimecode) : *clip.endTimecode;
 }
 
 /// From the end and the start, which the recording goes by.
@@ -44,7 +50,7 @@ ClipRecord recordOf(const CatalogueClip& clip, bool recapture, const std::string
   record.clipName = clip.name;
   record.startDate = clip.recordingDate;
   record.startTimecode = valueOf(clip.startTimecode);
-  record.endTimecode = valueOf(clip.endTimecode);
+  record.endTimecode = valueWithSMPTETime(closingTimecodeOf(clip));
   record.duration = durationOf(clip);
   record.recapture = recapture;
   record.timebase = clip.timebase;
@@ -117,6 +123,10 @@ std::int32_t tapeIdOf(const CatalogueTape& tape) {
 
 }  // namespace
 
+bool isFromList(const CatalogueClip& clip) {
+  return clip.moviePath.empty() && clip.thumbnailPath.empty() && clip.movieFrames == 0;
+}
+
 RecapturePlan planOf(const CatalogueTape& tape) {
   RecapturePlan plan;
   for (const CatalogueSequence& sequence : tape.sequences) {
@@ -159,6 +169,8 @@ TapeValue manualRecords(const CatalogueTape& tape, const std::vector<CatalogueCl
   const std::set<std::int64_t> wantedIds = idsOf(wanted);
   std::vector<SequenceValue> sequences;
   for (const CatalogueSequence& sequence : tape.sequences) {
+    // A session without marked clips would end the recapture where another one holds the same dates.
+    if (std::ranges::none_of(sequence.clips, [&](const auto& clip) { return wantedIds.contains(clip.id); })) continue;
     Row row;
     for (const bool marked : {true, false}) {
       for (const CatalogueClip& clip : sequence.clips) {

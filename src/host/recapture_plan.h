@@ -23,6 +23,10 @@ struct RecapturePlan {
   std::vector<UnreachableClip> unreachable;
 };
 
+/// Whether no capture brought the clip but a list. What its maker cut is recorded whole, the frame at the end timecode
+/// too, so that the recording ends one frame later than that of a captured clip.
+bool isFromList(const CatalogueClip& clip);
+
 RecapturePlan planOf(const CatalogueTape& tape);
 
 /// Records for the automatic mode: one sequence that holds every date, so that the search finds it at the first dated

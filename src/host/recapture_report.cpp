@@ -42,6 +42,23 @@ int RecaptureReport::count(RecapturedClip::Status status) const {
   return static_cast<int>(std::ranges::count(outcome_.clips, status, &RecapturedClip::status));
 }
 
+std::vector<std::string> RecaptureReport::failures() const {
+  std::vector<std::pair<std::string, std::vector<std::string>>> reasons;
+  for (const RecapturedClip& entry : outcome_.clips) {
+    if (entry.status != RecapturedClip::Status::failed) continue;
+    const auto known = std::ranges::find(reasons, entry.reason, [](const auto& held) { return held.first; });
+    auto& ids =
+        known != reasons.end() ? known->second : reasons.emplace_back(entry.reason, std::vector<std::string>()).second;
+    ids.push_back(std::to_string(entry.clip.id));
+  }
+  std::vector<std::string> lines;
+  for (const auto& [reason, ids] : reasons) {
+    lines.push_back(
+        fmt::format("{} {} not recaptured: {}", ids.size() == 1 ? "clip" : "clips", fmt::join(ids, ", "), reason));
+  }
+  return lines;
+}
+
 ordered_json RecaptureReport::json() const {
   ordered_json clips = ordered_json::array();
   for (const RecapturedClip& entry : outcome_.clips) clips.push_back(clipJson(entry));
@@ -65,7 +82,6 @@ void RecaptureReport::print() const {
   for (const RecapturedClip& entry : outcome_.clips) {
     fmt::print("{:>5}  {:<19}  {:<11}  {:>7}  {:<10}  {}\n", entry.clip.id, textOf(entry.clip.recordingDate),
                textOf(entry.clip.startTimecode), entry.movieFrames, nameOf(entry.status), entry.moviePath);
-    if (!entry.reason.empty()) fmt::print("       {}\n", entry.reason);
   }
   fmt::print("\n{} recaptured, {} failed, {} cancelled; the deck was busy for {:.0f} s\n",
              count(RecapturedClip::Status::recaptured), count(RecapturedClip::Status::failed),

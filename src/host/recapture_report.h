@@ -3,6 +3,7 @@
 
 #include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <vector>
 
 #include "host/recapture_run.h"
 
@@ -14,9 +15,11 @@ class RecaptureReport {
       : tape_(std::move(tape)), manual_(manual), outcome_(outcome) {}
 
   nlohmann::ordered_json json() const;
-  /// Fits a terminal of 80 columns, but for long reasons.
+  /// Fits a terminal of 80 columns.
   void print() const;
   int count(RecapturedClip::Status status) const;
+  /// "clips 3, 7: why they failed", a line for each reason.
+  std::vector<std::string> failures() const;
 
  private:
   const std::string tape_;

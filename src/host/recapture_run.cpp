@@ -7,6 +7,7 @@
 
 #include "backends/deck/simulated_deck.h"
 #include "backends/files/system_files.h"
+#include "host/deferred_aliases.h"
 #include "host/progress_line.h"
 #include "recapture/positioning.h"
 #include "recapture/tape_search.h"
@@ -30,6 +31,10 @@ double lengthOf(const CatalogueClip& clip) {
   return static_cast<double>(frames) / clip.timebase;
 }
 
+bool endsBefore(const CatalogueClip& clip, const DateValue& date) {
+  return date && date->timeIntervalSinceDate(*clip.recordingDate) > lengthOf(clip) + 1;
+}
+
 platform::Duration durationOf(double secondsLong) {
   return duration_cast<platform::Duration>(std::chrono::duration<double>(secondsLong));
 }
@@ -48,6 +53,7 @@ struct RecaptureRun::Parts {
   platform::NotificationCenter notifications;
   PlainStrings strings;
   backend::SystemFiles files;
+  DeferredAliases controllersFiles{files};
   AlertList alerts;
   RecaptureLedger ledger;
   std::shared_ptr<backend::SimulatedDeck> deck;
@@ -94,7 +100,7 @@ RecaptureOutcome RecaptureRun::run() {
 }
 
 RecapturePass::End RecaptureRun::runPass(const TapeValue& records, const std::vector<CatalogueClip>& wanted) {
-  RecapturePass pass({setup_.runtime, setup_.writers, parts_->notifications, parts_->files, parts_->strings,
+  RecapturePass pass({setup_.runtime, setup_.writers, parts_->notifications, parts_->controllersFiles, parts_->strings,
                       parts_->alerts, setup_.console, parts_->ledger, parts_->progress, parts_->deck, records,
                       setup_.manual, limitsFor(wanted), setup_.lookEvery, setup_.interrupted, deadline_});
   const RecapturePass::End end = pass.run();
@@ -104,20 +110,22 @@ RecapturePass::End RecaptureRun::runPass(const TapeValue& records, const std::ve
 
 bool RecaptureRun::learnFrom(RecapturePass::End end, const RecapturePass& pass) {
   const DateValue& reached = pass.lastDate();
+  const auto isLookedFor = [&](const CatalogueClip& clip) { return std::to_string(clip.id) == pass.clipLookedFor(); };
   switch (end) {
     case RecapturePass::End::ended:
       return true;
     case RecapturePass::End::gaveUpClip:
-      giveUp([&](const CatalogueClip& clip) { return std::to_string(clip.id) == pass.clipLookedFor(); },
-             "It was not found, or the frames at its start did not come by as the catalogue says.");
+      giveUp(isLookedFor, "It was not found, or the frames at its start did not come by as the catalogue says.");
       return true;
     case RecapturePass::End::gaveUpAtEnd:
-      giveUp([&](const CatalogueClip& clip) { return compareDates(clip.recordingDate, reached) >= 0; },
-             "The tape ends before it. Is it the right tape?");
+      giveUp(
+          [&](const CatalogueClip& clip) { return isLookedFor(clip) || compareDates(clip.recordingDate, reached) > 0; },
+          "The tape ends with an earlier recording date. Is it the right tape?");
       return true;
     case RecapturePass::End::gaveUpAtBeginning:
-      giveUp([&](const CatalogueClip& clip) { return compareDates(clip.recordingDate, reached) <= 0; },
-             "The tape begins with a later recording date. Is it the right tape?");
+      // The first clip of the tape is before the last date that was seen, too.
+      giveUp([&](const CatalogueClip& clip) { return isLookedFor(clip) || endsBefore(clip, reached); },
+             "The tape begins with a later recording date, so no way leads to it. Is it the right tape?");
       return true;
     case RecapturePass::End::gaveUpUndated:
       giveUp([](const CatalogueClip&) { return true; },

@@ -18,10 +18,13 @@ void TapeWatch::transportChanged(const platform::AVCTransportControls& controls,
     return;
   }
   standingSince_.reset();
-  if (controls.speed != 0) lastSpeed_ = controls.speed;
+  if (controls.speed == 0) return;
+  lastSpeed_ = controls.speed;
+  winds_ = winds_ || controls.playbackMode == 0;
 }
 
 TapeAdvice TapeWatch::look(const Session& session, platform::TimePoint now) {
+  if (std::exchange(winds_, false)) framesBeforeWind_ = session.frames;
   if (isLate(session, now)) return TapeAdvice::giveUpClip;
   if (!standingSince_ || now - *standingSince_ < kStandsForGood) return TapeAdvice::none;
   standingSince_ = now;
@@ -29,9 +32,11 @@ TapeAdvice TapeWatch::look(const Session& session, platform::TimePoint now) {
 }
 
 bool TapeWatch::isLate(const Session& session, platform::TimePoint now) {
-  if (session.recordedClips != recordedClips_) progressAt_ = now;
+  // Where clips follow each other, the next one's preroll begins before anyone looks.
+  const bool anotherClip = session.recordedClips != recordedClips_;
+  if (anotherClip) progressAt_ = now;
   recordedClips_ = session.recordedClips;
-  if (!session.recording) recordingSince_.reset();
+  if (anotherClip || !session.recording) recordingSince_.reset();
   if (session.recording && !recordingSince_) recordingSince_ = now;
   return now - progressAt_ > limits_.clip || (recordingSince_ && now - *recordingSince_ > limits_.recording);
 }
@@ -41,7 +46,9 @@ TapeAdvice TapeWatch::atEndOfTape(const Session& session) {
   const bool atEnd = lastSpeed_ >= 0;
   if (session.recording && atEnd) return TapeAdvice::giveUpClip;
   if (!session.sequenceFound && atEnd && !winding_) return TapeAdvice::giveUpUndated;
-  const bool searching = session.sequenceFound && !session.settling && !session.recording;
+  // A wind shows no picture: until frames come again, the place is that where it began.
+  const bool placeIsOld = framesBeforeWind_ == session.frames;
+  const bool searching = session.sequenceFound && !session.settling && !session.recording && !placeIsOld;
   if (searching && atEnd && session.place < 0) return TapeAdvice::giveUpAtEnd;
   if (searching && !atEnd && session.place > 0) return TapeAdvice::giveUpAtBeginning;
   return leave(session);

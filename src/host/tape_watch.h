@@ -62,6 +62,8 @@ class TapeWatch {
   const Limits limits_;
   std::optional<platform::TimePoint> standingSince_;
   long lastSpeed_ = 0;
+  bool winds_ = false;  // since the last look
+  std::optional<std::int64_t> framesBeforeWind_;
   std::optional<std::int64_t> framesAtLeaving_;
   std::optional<End> leftEnd_;
   bool winding_ = false;

@@ -31,6 +31,13 @@ SharedBytes bytesOf(Packet packet) {
   return SharedBytes(std::shared_ptr<const void>(std::shared_ptr<AVPacket>(std::move(packet))), bytes);
 }
 
+/// What is missing of a frame at a file's end is not told by every demuxer: that of raw DV fills it up.
+bool isCutOff(const AVFormatContext& input, const AVPacket& packet) {
+  if ((packet.flags & AV_PKT_FLAG_CORRUPT) != 0) return true;
+  const std::int64_t size = input.pb != nullptr ? avio_size(input.pb) : -1;
+  return size >= 0 && packet.pos >= 0 && packet.pos + packet.size > size;
+}
+
 }  // namespace
 
 Status readMovieFrames(const std::string& path, const std::function<void(const SharedBytes&)>& take) {
@@ -47,7 +54,9 @@ Status readMovieFrames(const std::string& path, const std::function<void(const S
     const int result = av_read_frame(input.get(), packet.get());
     if (result == AVERROR_EOF) return {};
     if (result < 0) return readError(path, result);
-    if (packet->stream_index == video) take(bytesOf(std::move(packet)));
+    if (packet->stream_index != video) continue;
+    if (isCutOff(*input, *packet)) return Error{"Cannot read the movie " + path, "It ends inside a frame."};
+    take(bytesOf(std::move(packet)));
   }
 }
 

@@ -96,7 +96,7 @@ void addRecapture(CLI::App& app, RecaptureOptions& options) {
   command->add_flag("--json", options.json, "Print the report as JSON");
   command->footer(
       "Examples:\n"
-      "  deckhand catalogue mark --catalogue tapes.db --tape holiday --clip 3 --clip 7\n"
+      "  deckhand catalogue mark --catalogue tapes.db --clip 3 --clip 7\n"
       "  deckhand recapture --device tape:holiday.dv --catalogue tapes.db --tape holiday --output again");
 }
 
