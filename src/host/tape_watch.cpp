@@ -15,6 +15,7 @@ constexpr std::int64_t kFewFrames = 25;
 void TapeWatch::transportChanged(const platform::AVCTransportControls& controls, platform::TimePoint now) {
   if (controls == platform::AVCTransportControls{0, 0}) {
     if (!standingSince_) standingSince_ = now;
+    cameFromBeginning_ = cameFromBeginning_ || lastSpeed_ < 0;
     return;
   }
   standingSince_.reset();
@@ -45,13 +46,20 @@ bool TapeWatch::isLate(const Session& session, platform::TimePoint now) {
 TapeAdvice TapeWatch::atEndOfTape(const Session& session) {
   const bool atEnd = lastSpeed_ >= 0;
   if (session.recording && atEnd) return TapeAdvice::giveUpClip;
-  if (!session.sequenceFound && atEnd && !winding_) return TapeAdvice::giveUpUndated;
+  if (!session.sequenceFound && atEnd && !winding_) return atEndWithoutDate();
   // A wind shows no picture: until frames come again, the place is that where it began.
   const bool placeIsOld = framesBeforeWind_ == session.frames;
   const bool searching = session.sequenceFound && !session.settling && !session.recording && !placeIsOld;
   if (searching && atEnd && session.place < 0) return TapeAdvice::giveUpAtEnd;
   if (searching && !atEnd && session.place > 0) return TapeAdvice::giveUpAtBeginning;
   return leave(session);
+}
+
+// A deck that is slow to obey may have begun to play near the end of the tape.
+TapeAdvice TapeWatch::atEndWithoutDate() {
+  if (cameFromBeginning_) return TapeAdvice::giveUpUndated;
+  winding_ = true;
+  return TapeAdvice::windToBeginning;
 }
 
 // There is one way to go from an end. A session that drives the tape back at once, as it does when it settles on a

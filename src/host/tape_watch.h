@@ -56,6 +56,7 @@ class TapeWatch {
   enum class End { beginning, end };
 
   TapeAdvice atEndOfTape(const Session& session);
+  TapeAdvice atEndWithoutDate();
   TapeAdvice leave(const Session& session);
   bool isLate(const Session& session, platform::TimePoint now);
 
@@ -67,6 +68,7 @@ class TapeWatch {
   std::optional<std::int64_t> framesAtLeaving_;
   std::optional<End> leftEnd_;
   bool winding_ = false;
+  bool cameFromBeginning_ = false;  // the tape stood there since the session began
 
   int recordedClips_ = 0;
   platform::TimePoint progressAt_;

@@ -32,6 +32,14 @@ CatalogueClip clipFrom(const SMPTETime& start = timecodeOf(0, 0, 1, 0, 1),
   clip.startTimecode = start;
   clip.endTimecode = end;
   clip.timebase = start.mType == 1 ? 25 : 30;
+  clip.moviePath = "/captures/clip.mov";
+  return clip;
+}
+
+/// The same as a list brings it.
+CatalogueClip fromList() {
+  CatalogueClip clip = clipFrom();
+  clip.moviePath.clear();
   return clip;
 }
 
@@ -95,6 +103,12 @@ TEST(MovieCheck, ALastFrameThatIsMissingIsToldOf) {
   EXPECT_EQ(verdictOn(clipFrom(), rightFrames(49)), "it ends after 00:00:02:23, not before the clip's end 00:00:03:00");
 }
 
+TEST(MovieCheck, OfAClipThatAListBroughtTheFrameAtTheEndBelongsToIt) {
+  EXPECT_EQ(verdictOn(fromList(), rightFrames(51)), "");
+  EXPECT_EQ(verdictOn(fromList(), rightFrames(50)), "it ends after 00:00:02:24, not before the clip's end 00:00:03:00");
+  EXPECT_EQ(verdictOn(fromList(), rightFrames(52)), "it ends after 00:00:03:01, not before the clip's end 00:00:03:00");
+}
+
 TEST(MovieCheck, TheFrameAtTheEndIsOneTooMany) {
   EXPECT_EQ(verdictOn(clipFrom(), rightFrames(51)), "it ends after 00:00:03:00, not before the clip's end 00:00:03:00");
 }
@@ -105,7 +119,7 @@ TEST(MovieCheck, AFrameThatIsMissingInTheMiddleIsToldOf) {
 
 TEST(MovieCheck, AFrameThatIsMissingOfACapturedClipIsToldByTheCount) {
   EXPECT_EQ(verdictOn(captured(clipFrom(), 51), without(rightFrames(), 20)),
-            "it has 49 frames where the clip had 50 before its last one");
+            "it has 49 frames where the clip had 50 before its last frame");
 }
 
 TEST(MovieCheck, AFrameThatComesTwiceIsToldOf) {
@@ -217,7 +231,8 @@ TEST(MovieCheck, ATimecodeThatJumpedWhenTheClipWasCapturedIsRight) {
   const StampDateTime goesOn{2004, 7, 15, 13, 30, 45};
   const auto frames = framesOf({{20, kDate, timecodeOf(0, 0, 1, 0)}, {20, goesOn, timecodeOf(0, 0, 2, 5)}});
   EXPECT_EQ(verdictOn(captured(clipFrom(), 41), frames), "");
-  EXPECT_EQ(verdictOn(captured(clipFrom(), 51), frames), "it has 40 frames where the clip had 50 before its last one");
+  EXPECT_EQ(verdictOn(captured(clipFrom(), 51), frames),
+            "it has 40 frames where the clip had 50 before its last frame");
   EXPECT_EQ(verdictOn(clipFrom(), frames), "frames are missing before its timecode 00:00:02:05");
 }
 

@@ -32,6 +32,7 @@ CatalogueClip clipAt(std::int64_t id, const DateValue& date) {
   clip.recordingDate = date;
   clip.startTimecode = timecodeOf(0, 0, 0, 0, 1);
   clip.endTimecode = timecodeOf(0, 0, 9, 24, 1);
+  clip.moviePath = "/captures/clip.mov";
   clip.marked = true;
   return clip;
 }
@@ -119,6 +120,9 @@ TEST(RecapturePlan, SaysWhyAClipCannotBeReached) {
   clip = clipAt(1, dateAt(13));
   clip.endTimecode = clip.startTimecode;
   EXPECT_EQ(reasonFor(clip), "It is one frame long, and the frame at the end timecode is not recorded.");
+  clip.moviePath.clear();
+  EXPECT_EQ(reasonFor(clip), "") << "what a list brought is recorded whole";
+  clip.moviePath = "/captures/clip.mov";
   clip.endTimecode = timecodeOf(0, 0, 0, 1, 1);
   EXPECT_EQ(reasonFor(clip), "");
 
@@ -216,6 +220,15 @@ TEST(AutomaticRecords, HoldNoClipThatCannotBeReached) {
   EXPECT_EQ(namesOf(*records->sequenceAtIndex(0)), (Names{"boundary", "clip 3", "boundary"}));
 }
 
+TEST(AutomaticRecords, EndAFrameLaterForAClipThatAListBrought) {
+  CatalogueClip clip = clipAt(1, dateAt(13));
+  clip.moviePath.clear();
+  const TapeValue records = automaticRecords(tapeOf({{clip}}), {clip}, kFolder);
+  const SMPTETime end = *records->sequenceAtIndex(0)->allClips().at(1)->timecodeEndClip();
+  EXPECT_EQ(end.mSeconds, 10);
+  EXPECT_EQ(end.mFrames, 0);
+}
+
 TEST(AutomaticRecords, MarkOnlyTheClipsThatAreWanted) {
   const CatalogueTape tape = tapeOf({{clipAt(1, dateAt(13)), clipAt(2, dateAt(14))}});
   const TapeValue records = automaticRecords(tape, {clipAt(2, dateAt(14))}, kFolder);
@@ -233,25 +246,32 @@ TEST(AutomaticRecords, OfNothingWantedHaveNoClipToBeRecaptured) {
 
 // The records of the manual mode.
 
-TEST(ManualRecords, AreASequenceForEachSession) {
-  const CatalogueTape tape =
-      tapeOf({{clipAt(1, dateAt(13)), unmarked(clipAt(2, dateAt(14)))}, {unmarked(clipAt(3, dateAt(15)))}});
+TEST(ManualRecords, AreASequenceForEachSessionWithMarkedClips) {
+  const CatalogueTape tape = tapeOf({{clipAt(1, dateAt(13)), unmarked(clipAt(2, dateAt(14)))},
+                                     {unmarked(clipAt(3, dateAt(13)))},
+                                     {clipAt(4, dateAt(15))}});
   const TapeValue records = manualRecords(tape, planOf(tape).clips, kFolder);
   ASSERT_EQ(records->allSequences().size(), 2U);
   EXPECT_EQ(records->sequenceAtIndex(0)->sequenceId(), "1");
   EXPECT_EQ(records->sequenceAtIndex(0)->sequenceName(), "session 1");
   EXPECT_EQ(namesOf(*records->sequenceAtIndex(0)), (Names{"clip 1", "clip 2"}));
-  EXPECT_EQ(namesOf(*records->sequenceAtIndex(1)), (Names{"clip 3"}));
+  EXPECT_EQ(namesOf(*records->sequenceAtIndex(1)), (Names{"clip 4"}));
   EXPECT_EQ(sequenceOnDate(*records, dateAt(13, 30)), records->sequenceAtIndex(0));
   EXPECT_EQ(sequenceOnDate(*records, dateAt(12)), nullptr);
 }
 
+// The earlier one would be found, and nothing be left to do in it.
+TEST(ManualRecords, LeaveOutTheSessionThatHoldsTheSameDatesWithoutMarkedClips) {
+  const CatalogueTape tape = tapeOf({{unmarked(clipAt(1, dateAt(13)))}, {clipAt(2, dateAt(13))}});
+  const TapeValue records = manualRecords(tape, planOf(tape).clips, kFolder);
+  ASSERT_EQ(records->allSequences().size(), 1U);
+  EXPECT_EQ(namesOf(*sequenceOnDate(*records, dateAt(13))), (Names{"clip 2"}));
+}
+
 TEST(ManualRecords, OfWhichTwoOfASessionShareNoSecondAndTheMarkedComeFirst) {
-  const CatalogueTape tape =
-      tapeOf({{unmarked(clipAt(1, dateAt(13))), clipAt(2, dateAt(13, 0, 5))}, {unmarked(clipAt(3, dateAt(13, 0, 5)))}});
+  const CatalogueTape tape = tapeOf({{unmarked(clipAt(1, dateAt(13))), clipAt(2, dateAt(13, 0, 5))}});
   const TapeValue records = manualRecords(tape, planOf(tape).clips, kFolder);
   EXPECT_EQ(namesOf(*records->sequenceAtIndex(0)), (Names{"clip 2"}));
-  EXPECT_EQ(namesOf(*records->sequenceAtIndex(1)), (Names{"clip 3"}));
 }
 
 TEST(ManualRecords, HoldNoClipThatCannotBeReached) {

@@ -59,8 +59,9 @@ class RecaptureRefusals : public RecaptureProgram {
                                           {"status", "failed"},
                                           {"moviePath", "2004-07-15T14-00-00.wrong.mov"},
                                           {"recapturePath", nullptr},
-                                          {"movieFrames", 0},
+                                          {"movieFrames", entryOf(report, "2").at("movieFrames")},
                                           {"reason", "The movie is not right: " + reason + "."}}));
+    EXPECT_GT(entryOf(report, "2").at("movieFrames"), 0);
     EXPECT_EQ(report.at("recaptured"), 2);
     EXPECT_EQ(report.at("failed"), 1);
     EXPECT_EQ(filesOfAgain(), (Words{"1.mov", "2004-07-15T13-30-45.mov", "2004-07-15T14-00-00.wrong.mov",
@@ -240,7 +241,8 @@ TEST_F(RecaptureRefusals, AClipBehindADateThatGoesBackIsNotFound) {
   mark({"1", "2"});
   const json report = recaptureJson({}, 3);
   expectMovie(report, "1", bytesOf(frames, 0, 149));
-  EXPECT_EQ(entryOf(report, "2").at("reason"), "The tape begins with a later recording date. Is it the right tape?");
+  EXPECT_EQ(entryOf(report, "2").at("reason"),
+            "The tape begins with a later recording date, so no way leads to it. Is it the right tape?");
   EXPECT_EQ(idsWith("holiday", "marked"), ids({"2"}));
 }
 
@@ -249,13 +251,13 @@ TEST_F(RecaptureRefusals, AClipBehindADateThatGoesBackIsNotFound) {
 TEST_F(RecaptureRefusals, ATapeWhoseDatesAreAllLater) {
   captureAndMark();
   putInTheDeck(datedTape(2010));
-  expectNoneFound("The tape begins with a later recording date. Is it the right tape?");
+  expectNoneFound("The tape begins with a later recording date, so no way leads to it. Is it the right tape?");
 }
 
 TEST_F(RecaptureRefusals, ATapeWhoseDatesAreAllEarlier) {
   captureAndMark();
   putInTheDeck(datedTape(2001));
-  expectNoneFound("The tape ends before it. Is it the right tape?");
+  expectNoneFound("The tape ends with an earlier recording date. Is it the right tape?");
 }
 
 TEST_F(RecaptureRefusals, ATapeWhoseDatesAreOnBothSides) {
@@ -306,7 +308,7 @@ TEST_F(RecaptureRefusals, FramesThatAreMissingInAClip) {
   const Frames frames = holidayFrames();
   const Frames fewer = without(frames, 200, 3);
   putInTheDeck(fewer);
-  expectSecondSetAside(frames, frames, "it has 96 frames where the clip had 99 before its last one");
+  expectSecondSetAside(frames, frames, "it has 96 frames where the clip had 99 before its last frame");
 }
 
 TEST_F(RecaptureRefusals, AClipWhoseFirstFrameIsMissing) {
@@ -344,7 +346,7 @@ TEST_F(RecaptureRefusals, ATapeImageThatEndsInAClip) {
   EXPECT_EQ(entryOf(report, "2").at("moviePath"), "2004-07-15T14-00-00.wrong.mov");
   EXPECT_EQ(entryOf(report, "2").at("reason"),
             "The movie is not right: it ends after 00:00:01:24, not before the clip's end 00:00:03:24.");
-  EXPECT_EQ(entryOf(report, "3").at("reason"), "The tape ends before it. Is it the right tape?");
+  EXPECT_EQ(entryOf(report, "3").at("reason"), "The tape ends with an earlier recording date. Is it the right tape?");
   EXPECT_EQ(idsWith("holiday", "marked"), ids({"2", "3"}));
 }
 

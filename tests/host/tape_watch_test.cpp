@@ -101,7 +101,14 @@ TEST_F(TapeWatchTest, RewoundBeforeASequenceIsFoundItPlays) {
   EXPECT_EQ(lookAfterStandingFrom(kRewinding), TapeAdvice::play);
 }
 
-TEST_F(TapeWatchTest, PlayedToItsEndWithoutADateItIsGivenUp) {
+TEST_F(TapeWatchTest, PlayedFromItsBeginningToItsEndWithoutADateItIsGivenUp) {
+  EXPECT_EQ(lookAfterStandingFrom(kRewinding), TapeAdvice::play);
+  EXPECT_EQ(lookAfterStandingFrom(kPlaying), TapeAdvice::giveUpUndated);
+}
+
+TEST_F(TapeWatchTest, PlayedToItsEndFromElsewhereWithoutADateItIsPlayedFromItsBeginningFirst) {
+  EXPECT_EQ(lookAfterStandingFrom(kPlaying), TapeAdvice::windToBeginning);
+  EXPECT_EQ(lookAfterStandingFrom(kRewinding), TapeAdvice::play);
   EXPECT_EQ(lookAfterStandingFrom(kPlaying), TapeAdvice::giveUpUndated);
 }
 
