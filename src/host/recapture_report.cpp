@@ -52,6 +52,7 @@ std::vector<std::string> RecaptureReport::failures() const {
     ids.push_back(std::to_string(entry.clip.id));
   }
   std::vector<std::string> lines;
+  lines.reserve(reasons.size());
   for (const auto& [reason, ids] : reasons) {
     lines.push_back(
         fmt::format("{} {} not recaptured: {}", ids.size() == 1 ? "clip" : "clips", fmt::join(ids, ", "), reason));
