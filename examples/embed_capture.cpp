@@ -11,6 +11,7 @@
 #include <string>
 
 #include "backends/deck/simulated_deck.h"
+#include "backends/media/compression_platform.h"
 #include "backends/media/movie_writer_factory.h"
 #include "backends/session/session_platform.h"
 #include "backends/settings/memory_settings.h"
@@ -76,13 +77,14 @@ int capture(const std::string& tapePath, const std::filesystem::path& folder) {
   zq::backend::MemorySettings settings(runtime);
   zq::platform::NotificationCenter notifications;
   zq::media::MovieWriterFactory writers(&log);
+  zq::media::CompressionPlatform compression(log);
   zq::backend::SessionPlatform platform(runtime, writers, log, {});
   const auto deck = std::make_shared<zq::backend::SimulatedDeck>(runtime, notifications, tape.value(),
                                                                  zq::backend::DeckOptions{}, log);
   const zq::ZQACControllerDelegate delegate = printingDelegate(folder, runtime.mainLoop());
 
   zq::ZQACController::initialize(settings);
-  zq::ZQACController controller({runtime, platform, settings, notifications, alerts, strings, log}, {});
+  zq::ZQACController controller({runtime, platform, compression, settings, notifications, alerts, strings, log}, {});
   controller.setDelegate(&delegate);
   // The controller announces what the transport does. Asking whether it plays ends the recording when it does not.
   const auto observation = controller.keys().addObserver([&](const std::string& key, zq::KeyChange change) {

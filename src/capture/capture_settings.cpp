@@ -59,8 +59,8 @@ ActionAfterRecord CaptureSettings::actionAfterRecord() const {
   }
 }
 
-int CaptureSettings::frameSampleInterval() const {
-  const auto index = static_cast<std::size_t>(store_.integerForKey(ZQACSampleInterval));
+int frameSampleIntervalOf(const platform::Settings& store) {
+  const auto index = static_cast<std::size_t>(store.integerForKey(ZQACSampleInterval));
   return index < sampleIntervalValue.size() ? sampleIntervalValue[index] : 0;
 }
 

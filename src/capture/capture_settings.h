@@ -8,6 +8,10 @@ namespace zq {
 /// What becomes of the tape when a recording ends: the values of "actionAfterRecord".
 enum class ActionAfterRecord { leave = 0, stop = 1, pause = 2 };
 
+/// Seconds between two thumbnails. An index outside the table, which nothing but an edited store can hold, counts as 0:
+/// every frame.
+int frameSampleIntervalOf(const platform::Settings& store);
+
 class CaptureSettings {
  public:
   explicit CaptureSettings(platform::Settings& store) : store_(store) {}
@@ -22,8 +26,7 @@ class CaptureSettings {
   /// Any number but 1 and 2 leaves the tape as it is.
   ActionAfterRecord actionAfterRecord() const;
   bool frameSampling() const;
-  /// Seconds. An index outside the table, which nothing but an edited store can hold, counts as 0: every frame.
-  int frameSampleInterval() const;
+  int frameSampleInterval() const { return frameSampleIntervalOf(store_); }
   bool captureMovie() const;
 
  private:

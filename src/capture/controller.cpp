@@ -3,12 +3,10 @@
 #include <mutex>
 #include <utility>
 
-#include "capture/compression_options.h"
-#include "capture/session_compression.h"
 #include "capture/settings_keys.h"
 
 // Set-up, devices, transport, sound. The recording switch and its clips are in controller_recording.cpp, what is done
-// with each frame in controller_frames.cpp.
+// with each frame in controller_frames.cpp, compression and configurations in controller_options.cpp.
 
 namespace zq {
 
@@ -21,7 +19,6 @@ constexpr char kDevicePlaying[] = "devicePlaying";
 constexpr char kDeviceFastForwarding[] = "deviceFastForwarding";
 constexpr char kDeviceRewinding[] = "deviceRewinding";
 constexpr char kSelectedVideoDevice[] = "selectedVideoDevice";
-constexpr char kVideoCompressionOptions[] = "videoCompressionOptions";
 
 void switchOn(outlets::Button* button, bool on) {
   if (button != nullptr && on) button->setState(true);
@@ -44,11 +41,12 @@ ZQACController::ZQACController(const CaptureServices& services, const CaptureOut
       fileOutput_(services.capture.makeMovieFileOutput()),
       movieFileOutput_(services.capture.makeMovieFileOutput()),
       transport_([this] { return selectedVideoDevice(); }),
+      customCompression_(services.compression, services.settings, services.log),
       devices_(services.runtime, services.capture, *session_, services.alerts, services.strings),
       lock_(services.runtime, "capture controller"),
-      videoCompressionOptions_(QTNoCompressionOptions::noCompressionOptions()),
       thumbnails_(settings_),
       endOfTapeTimer_(services.runtime.mainLoop()),
+      compressionChoices_(services.compression, services.strings, services.log, outlets.compressionPopUp),
       alive_(std::make_shared<ZQACController*>(this)) {
   if (outlets_.timecodeView != nullptr) outlets_.timecodeView->setHidden(true);
   if (outlets_.captureView != nullptr) {
@@ -76,7 +74,7 @@ void ZQACController::addOutputs() {
 
 void ZQACController::observe() {
   keys_.setDependentKeys(kSelectedVideoDevice, {"hasRecordingDevice", "controllableDevice", "videoDeviceInput"});
-  keys_.setDependentKeys(kVideoCompressionOptions, {"customVideoCompression"});
+  keys_.setDependentKeys("videoCompressionOptions", {"customVideoCompression"});
   observations_.push_back(notifications_.addObserver(
       platform::QTCaptureDeviceAttributeWillChangeNotification,
       [this](const Notification& notification) { deviceAttributeWillChange(notification); }));
@@ -225,39 +223,6 @@ void ZQACController::setCaptureVolume(float volume) {
 
 float ZQACController::captureVolume() const {
   return audioPreviewOutput_->volume();
-}
-
-void ZQACController::buildVideoCompressionOptions() {
-  const auto& none = QTNoCompressionOptions::noCompressionOptions();
-  if (outlets_.compressionPopUp != nullptr && outlets_.compressionPopUp->itemCount() == 0) {
-    outlets_.compressionPopUp->addItem(strings_.localizedString(none->localizedDisplayName()),
-                                       std::shared_ptr<const platform::QTCompressionOptions>(none));
-  }
-  setVideoCompressionOptions(none);
-}
-
-void ZQACController::setVideoCompressionOptions(std::shared_ptr<const platform::QTCompressionOptions> options) {
-  {
-    const std::lock_guard guard(lock_);
-    if (options == videoCompressionOptions_) return;
-    keys_.willChangeValueForKey(kVideoCompressionOptions);
-    videoCompressionOptions_ = std::move(options);
-  }
-  keys_.didChangeValueForKey(kVideoCompressionOptions);
-  updateVideoCompression();
-}
-
-std::shared_ptr<const platform::QTCompressionOptions> ZQACController::videoCompressionOptions() const {
-  const std::lock_guard guard(lock_);
-  return videoCompressionOptions_;
-}
-
-bool ZQACController::isCompressed() const {
-  return dynamic_cast<const QTNoCompressionOptions*>(videoCompressionOptions().get()) == nullptr;
-}
-
-void ZQACController::updateVideoCompression() {
-  applyVideoCompression(*session_, *movieFileOutput_, isCompressed() ? videoCompressionOptions() : nullptr);
 }
 
 }  // namespace zq

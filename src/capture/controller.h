@@ -11,8 +11,11 @@
 #include "base/log.h"
 #include "capture/capture_outlets.h"
 #include "capture/capture_settings.h"
+#include "capture/compression_choices.h"
+#include "capture/configuration.h"
 #include "capture/controller_delegate.h"
 #include "capture/current_clip.h"
+#include "capture/custom_compression.h"
 #include "capture/device_selection.h"
 #include "capture/end_of_tape_timer.h"
 #include "capture/key_observers.h"
@@ -30,6 +33,7 @@ namespace zq {
 struct CaptureServices {
   platform::Runtime& runtime;
   platform::CapturePlatform& capture;
+  platform::CompressionPlatform& compression;
   platform::Settings& settings;
   platform::NotificationCenter& notifications;
   platform::Alerts& alerts;
@@ -76,7 +80,7 @@ class ZQACController : public platform::QTCaptureOutputDelegate {
   void deviceAttributeWillChange(const platform::Notification& notification);
   void deviceAttributeDidChange(const platform::Notification& notification);
   /// "devicePlaying", "deviceFastForwarding", "deviceRewinding", "selectedVideoDevice" and the keys that follow it,
-  /// "videoCompressionOptions".
+  /// "allVideoCompressionOptions", "videoCompressionOptions".
   KeyObservers& keys() { return keys_; }
 
   // Recording.
@@ -119,11 +123,26 @@ class ZQACController : public platform::QTCaptureOutputDelegate {
   void detectAndCaptureThumbnail(const platform::QTSampleBuffer& buffer);
   void movieDetection(const platform::QTSampleBuffer& buffer);
 
-  // Compression: as received, until there are choices.
+  // Compression of the movies that are started from now on.
   void buildVideoCompressionOptions();
-  void setVideoCompressionOptions(std::shared_ptr<const platform::QTCompressionOptions> options);
-  std::shared_ptr<const platform::QTCompressionOptions> videoCompressionOptions() const;
+  const std::vector<CompressionValue>& allVideoCompressionOptions() const { return compressionChoices_.all(); }
+  void setVideoCompressionOptions(CompressionValue options);
+  CompressionValue videoCompressionOptions() const;
+  bool isCustomVideoCompression() const;
+  /// Shows the dialog for the user's own settings.
+  void changeCustomCompression();
   void updateVideoCompression();
+  const CustomCompression& customCompression() const { return customCompression_; }
+
+  // Named configurations of the options.
+  /// Fills the pop-up; its first item stands for options without a name.
+  void setAllConfiguration(std::vector<Configuration> configurations);
+  const std::vector<Configuration>& allConfiguration() const { return allConfiguration_; }
+  void selectConfigurationAtIndex(int index);
+  /// Makes the options of the pop-up's selected item the live settings.
+  void changeConfiguration();
+  void saveCurrentConfiguration();
+  void deleteCurrentConfiguration();
 
   // Sound and outputs.
   void setCaptureVolume(float volume);
@@ -138,6 +157,8 @@ class ZQACController : public platform::QTCaptureOutputDelegate {
   void observe();
   void observeValueForKeyPath() const;
   void showTransportOnButtons();
+  Configuration selectedConfiguration() const;
+  void applyCompressionOf(const Configuration& configuration);
   bool isAboutControllableDevice(const platform::Notification& notification) const;
 
   void resetForRecordingSwitch(bool recording);
@@ -170,6 +191,7 @@ class ZQACController : public platform::QTCaptureOutputDelegate {
   const std::shared_ptr<platform::QTCaptureFileOutput> fileOutput_;
   const std::shared_ptr<platform::QTCaptureMovieFileOutput> movieFileOutput_;
   const Transport transport_;
+  const CustomCompression customCompression_;
   DeviceSelection devices_;
 
   mutable platform::RecursiveLock lock_;
@@ -177,7 +199,7 @@ class ZQACController : public platform::QTCaptureOutputDelegate {
   // Guarded by lock_.
   const ZQACControllerDelegate* delegate_ = nullptr;
   std::vector<std::shared_ptr<platform::QTCaptureDevice>> videoDevices_;
-  std::shared_ptr<const platform::QTCompressionOptions> videoCompressionOptions_;
+  CompressionValue videoCompressionOptions_;
   bool isRecording_ = false;
   bool isPrerolling_ = false;
   SMPTETime startTimecode_;
@@ -193,7 +215,9 @@ class ZQACController : public platform::QTCaptureOutputDelegate {
 
   // Main thread only.
   KeyObservers keys_;
-  bool loadingConfig_ = false;
+  CompressionChoices compressionChoices_;
+  std::vector<Configuration> allConfiguration_;
+  bool loadingConfig_ = false;  // so that what a configuration writes does not count as edited by hand
   std::vector<platform::Observation> observations_;
 
   /// Goes with the controller, so that what is still posted for it finds it gone.

@@ -2,8 +2,10 @@
 // What the capture controller tells its host, and asks it.
 
 #include <functional>
+#include <string>
 
 #include "capture/clip_info.h"
+#include "capture/configuration.h"
 
 namespace zq {
 
@@ -20,6 +22,10 @@ struct ZQACControllerDelegate {
   std::function<void(ZQACController&, const ClipInfo&)> accontrollerDidRecordInfo;
   /// A recording session has ended; the last call of it.
   std::function<void(ZQACController&)> accontrollerEndRecord;
+  /// The user wants the options kept: name and place are the delegate's matter.
+  std::function<void(ZQACController&, const Configuration&)> accontrollerSaveConfiguration;
+  /// The user wants a configuration gone. Only a delegate that also saves is asked.
+  std::function<void(ZQACController&, const std::string& name)> accontrollerDeleteConfigurationName;
 };
 
 }  // namespace zq

@@ -17,6 +17,8 @@ inline constexpr char ZQACCaptureCompression[] = "captureMovieCompression";
 inline constexpr char ZQACCaptureCompressionSize[] = "fitSizeTag";
 inline constexpr char ZQACCaptureCompressionData[] = "captureMovieCompressionData";
 inline constexpr char ZQACCaptureMovieVolume[] = "movieVolume";
+/// Recapture's own settings. Its movies take those of capture; this key is observed only.
+inline constexpr char ZQACRecaptureCompressionData[] = "recaptureMovieCompressionData";
 /// Read only from configurations of an older scheme.
 inline constexpr char ZQACCaptureOldCompression[] = "captureFormat";
 

@@ -6,41 +6,20 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "backends/settings/layered_settings.h"
 #include "backends/time/real_runtime.h"
 #include "host/backend_module.h"
 #include "host/capture_run.h"
 #include "host/exit_codes.h"
 #include "host/interrupts.h"
+#include "host/run_settings.h"
 #include "host/session_catalogue.h"
 #include "host/setting_options.h"
+#include "host/speed_check.h"
 #include "host/tape_device.h"
 #include "host/text.h"
 
 namespace zq::host {
 namespace {
-
-Expected<std::vector<SettingChange>> parseSettings(const std::vector<std::string>& texts) {
-  std::vector<SettingChange> changes;
-  for (const std::string& text : texts) {
-    auto change = parseSetting(text);
-    if (!change.ok()) return change.error();
-    changes.push_back(change.value());
-  }
-  return changes;
-}
-
-/// The live settings as they are at the start, and the changes for this run only. A run keeps what it began with.
-Status layRunSettings(backend::LayeredSettings& run, const std::vector<SettingChange>& changes) {
-  for (const SettingChange& change : changes) run.overlayObjectForKey(change.key, change.value);
-  for (const std::string& key : settingKeys()) {
-    auto value = run.objectForKey(key);
-    if (!value) continue;
-    if (Status status = checkStored(key, *value); !status.ok()) return status;
-    run.overlayObjectForKey(key, std::move(*value));
-  }
-  return {};
-}
 
 std::string linesOf(const nlohmann::ordered_json& json) {
   return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
@@ -59,14 +38,23 @@ void printSummary(const SessionReport& report, const std::string& reportPath) {
              report.recorded, report.dropped, reportPath);
 }
 
-/// One capture, from options that were found right.
+/// Where the files of a capture go, and what of them is made before the first frame.
+struct CaptureFiles {
+  CaptureFiles(const CaptureOptions& options, std::string movieExtension)
+      : extension(std::move(movieExtension)),
+        clips(options.output, extension, tapeNameOf(options.device)),
+        report(clips) {}
+
+  const std::string extension;
+  ClipFiles clips;
+  ReportFile report;
+  std::unique_ptr<SessionCatalogue> catalogue;  // null without --catalogue
+};
+
+/// One capture, from words that were found right.
 class CaptureCommand {
  public:
-  CaptureCommand(const CaptureOptions& options, Console& console)
-      : options_(options),
-        console_(console),
-        files_(options.output, options.format, tapeNameOf(options.device)),
-        reportFile_(files_) {}
+  CaptureCommand(const CaptureOptions& options, Console& console) : options_(options), console_(console) {}
 
   int run(const std::vector<SettingChange>& changes) {
     auto tape = openDevice(options_.device);
@@ -77,73 +65,87 @@ class CaptureCommand {
         makeRuntime(options_.realTime ? Pace::realTime : Pace::virtualTimeOnAllProcessors);
     const auto stored = module.value()->makeUserSettings(*runtime);
     ZQACController::initialize(*stored);
-    backend::LayeredSettings settings(*runtime, *stored);
-    if (Status status = layRunSettings(settings, changes); !status.ok()) return failed(status.error());
-    if (Status status = prepare(*module.value()); !status.ok()) return failed(status.error());
-    const auto writers = module.value()->makeMovieWriters(console_);
-    backend::RealRuntime wall;
-    const Interrupts interrupts;
-    CaptureRun run({*runtime,
-                    wall.clock(),
-                    settings,
-                    *writers,
-                    console_,
-                    files_,
-                    tape.value(),
-                    {},
-                    lookInterval(options_.realTime),
-                    [] { return Interrupts::wasAsked(); }});
-    SessionReport report = run.run();
-    report.format = options_.format;
-    report.findings = run.findings().lines();
-    for (std::string& line : run.missingFrames(report)) report.findings.push_back(std::move(line));
-    if (run.error()) report.error = run.error()->text();
-    return finish(report, settings);
+    RunSettings settings(*runtime, *stored, *module.value());
+    if (const auto refusal = settings.lay(RunSettings::Start::stored, options_.compression, changes)) {
+      return refused(*refusal);
+    }
+    const auto extension = settings.extensionFor(options_.format);
+    if (!extension.ok()) return refused({extension.error(), kExitUsage});
+    CaptureFiles files(options_, extension.value());
+    if (Status status = prepare(*module.value(), files); !status.ok()) return failed(status.error());
+    return capture(*module.value(), *runtime, settings, files, tape.value());
   }
 
  private:
+  int capture(BackendModule& module, platform::Runtime& runtime, RunSettings& settings, CaptureFiles& files,
+              const std::shared_ptr<backend::TapeImage>& tape) {
+    const auto writers = module.makeMovieWriters(console_);
+    const auto compression = module.makeCompression(console_);
+    backend::RealRuntime wall;
+    const Interrupts interrupts;
+    if (options_.realTime) warnIfTooSlow(module, *compression, settings, files.extension, *tape, console_);
+    CaptureRun run({runtime, wall.clock(), settings.live(), *compression, *writers, console_, files.clips, tape,
+                    deckOptions(options_.realTime, settings.compression().isCompressed()),
+                    lookInterval(options_.realTime), [] { return Interrupts::wasAsked(); }});
+    SessionReport report = run.run();
+    report.format = files.extension;
+    report.configuration = options_.compression.configuration;
+    if (settings.compression().isCompressed()) report.compression = settings.compression().name;
+    report.customCompression = settings.compression().customSettings;
+    report.findings = run.findings().lines();
+    for (std::string& line : run.missingFrames(report)) report.findings.push_back(std::move(line));
+    if (run.error()) report.error = run.error()->text();
+    return finish(report, settings.live(), files);
+  }
+
+  int refused(const Refusal& refusal) {
+    console_.error(refusal.error);
+    return refusal.exitCode;
+  }
+
   int failed(const Error& error) {
     console_.error(error);
     return kExitFailed;
   }
 
   /// All that is written to, in this order: nothing is left behind for a catalogue that cannot be used.
-  Status prepare(BackendModule& module) {
+  Status prepare(BackendModule& module, CaptureFiles& files) {
     if (!options_.catalogue.empty()) {
       const std::string tape = options_.tape.empty() ? tapeNameOf(options_.device) : options_.tape;
-      catalogue_ = std::make_unique<SessionCatalogue>(module, options_.catalogue, tape, console_);
-      if (Status status = catalogue_->prepare(); !status.ok()) return status;
+      files.catalogue = std::make_unique<SessionCatalogue>(module, options_.catalogue, tape, console_);
+      if (Status status = files.catalogue->prepare(); !status.ok()) return status;
     }
-    if (Status status = files_.prepare(); !status.ok()) return status;
-    return reportFile_.reserve();
+    if (Status status = files.clips.prepare(); !status.ok()) return status;
+    return files.report.reserve();
   }
 
   // The report comes first: it has all that a catalogue would be told, if that fails.
-  int finish(const SessionReport& report, const platform::Settings& settings) {
+  int finish(const SessionReport& report, const platform::Settings& settings, CaptureFiles& files) {
     nlohmann::ordered_json json = report.json(settings);
-    const auto path = reportFile_.write(linesOf(json));
-    const Status stored = catalogue_ ? catalogue_->store(files_.folder(), report.clips) : Status();
-    const bool isStored = catalogue_ && catalogue_->stored();
+    const auto path = files.report.write(linesOf(json));
+    SessionCatalogue* catalogue = files.catalogue.get();
+    const Status stored = catalogue != nullptr ? catalogue->store(files.clips.folder(), report.clips) : Status();
+    const bool isStored = catalogue != nullptr && catalogue->stored();
     if (options_.json) {
-      if (isStored) json["catalogue"] = catalogue_->json();
+      if (isStored) json["catalogue"] = catalogue->json();
       fmt::print("{}", linesOf(json));
     } else {
       printSummary(report, path.ok() ? path.value() : "none");
-      if (isStored) fmt::print("{}\n", catalogue_->summary());
+      if (isStored) fmt::print("{}\n", catalogue->summary());
     }
     std::fflush(stdout);
     if (!path.ok()) console_.error(path.error());
     if (!stored.ok()) console_.error(stored.error());
-    const int exitCode = tellEnd(report);
+    const int exitCode = tellEnd(report, files.clips.folder());
     return path.ok() && stored.ok() ? exitCode : kExitFailed;
   }
 
-  int tellEnd(const SessionReport& report) {
+  int tellEnd(const SessionReport& report, const std::string& folder) {
     for (const std::string& line : report.findings) console_.warning(options_.device + ": " + line);
     if (!report.error.empty()) {
-      return failed({"The capture ended early after " + counted(report.recorded, "recorded frame") + ", complete in " +
-                         files_.folder(),
-                     report.error});
+      return failed(
+          {"The capture ended early after " + counted(report.recorded, "recorded frame") + ", complete in " + folder,
+           report.error});
     }
     if (report.ended == "interrupted") return kExitInterrupted;
     return report.findings.empty() && report.dropped == 0 ? kExitOk : kExitFindings;
@@ -151,17 +153,15 @@ class CaptureCommand {
 
   const CaptureOptions& options_;
   Console& console_;
-  ClipFiles files_;
-  ReportFile reportFile_;
-  std::unique_ptr<SessionCatalogue> catalogue_;  // null without --catalogue
 };
 
 }  // namespace
 
 int runCapture(const CaptureOptions& options, Console& console) {
   const auto changes = parseSettings(options.settings);
-  if (!changes.ok()) {
-    console.error(changes.error());
+  const Status words = changes.ok() ? checkWords(options.compression) : Status(changes.error());
+  if (!words.ok()) {
+    console.error(words.error());
     return kExitUsage;
   }
   return CaptureCommand(options, console).run(changes.value());

@@ -5,13 +5,16 @@
 #include <vector>
 
 #include "host/console.h"
+#include "host/run_settings.h"
 
 namespace zq::host {
 
 struct CaptureOptions {
   std::string device;
   std::string output;
-  std::string format = "mov";
+  /// The movies' extension; "" for that of the compression.
+  std::string format;
+  CompressionWords compression;
   bool realTime = false;
   std::vector<std::string> settings;  // KEY=VALUE
   bool json = false;

@@ -7,7 +7,6 @@
 #include "backends/deck/simulated_deck.h"
 #include "dv/recording_date_scan.h"
 #include "host/movie_guard.h"
-#include "host/progress_line.h"
 
 namespace zq::host {
 
@@ -70,8 +69,8 @@ SessionReport CaptureRun::run() {
 
 void CaptureRun::start() {
   parts_->controller = std::make_unique<ZQACController>(
-      CaptureServices{setup_.runtime, parts_->platform, setup_.settings, parts_->notifications, setup_.console,
-                      parts_->strings, setup_.console},
+      CaptureServices{setup_.runtime, parts_->platform, setup_.compression, setup_.settings, parts_->notifications,
+                      setup_.console, parts_->strings, setup_.console},
       CaptureOutlets{});
   ZQACController& controller = *parts_->controller;
   delegateOfFrames_ = &controller;
@@ -103,8 +102,14 @@ void CaptureRun::look() {
   }
   const double rate = setup_.tape->system() == DVSystem::pal625_50 ? 25.0 : 30000.0 / 1001.0;
   parts_->progress.show({controller.currentTimecodeValue(), controller.currentDate(), ledger_->startedClips(),
-                         ledger_->deliveredFrames(), parts_->platform.frameCounts().dropped, rate});
+                         ledger_->deliveredFrames(), parts_->platform.frameCounts().dropped, rate, queue()});
   parts_->lookTimer = setup_.runtime.mainLoop().startTimer(setup_.lookEvery, [this] { look(); });
+}
+
+std::optional<QueueProgress> CaptureRun::queue() const {
+  if (!parts_->controller->isCompressed()) return std::nullopt;
+  const backend::SessionPlatform::QueueLevel level = parts_->platform.queueLevel();
+  return QueueProgress{level.held, level.capacity};
 }
 
 // A tape that stands has come to its end. Asking whether it plays is what ends the recording.

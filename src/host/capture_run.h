@@ -13,6 +13,7 @@
 #include "capture/controller.h"
 #include "host/clip_ledger.h"
 #include "host/console.h"
+#include "host/progress_line.h"
 #include "host/session_report.h"
 #include "platform/runtime.h"
 
@@ -23,6 +24,7 @@ struct CaptureRunSetup {
   platform::Runtime& runtime;
   platform::Clock& wall;
   platform::Settings& settings;
+  platform::CompressionPlatform& compression;
   platform::MovieWriterFactory& writers;
   Console& console;
   ClipFiles& files;
@@ -53,6 +55,7 @@ class CaptureRun {
   void start();
   void frameSeen(platform::QTCaptureFileOutput& output, const platform::QTSampleBuffer& frame);
   void look();
+  std::optional<QueueProgress> queue() const;
   void transportChanged();
   void fail(const Error& error);
   void stopRecording();

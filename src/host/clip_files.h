@@ -37,6 +37,8 @@ class ClipFiles {
   /// The path of a file in the folder.
   std::string inFolder(const std::string& name) const { return folder_ + "/" + name; }
   const std::string& folder() const { return folder_; }
+  /// Of the movies, without a dot.
+  const std::string& extension() const { return extension_; }
   /// The file's name within the folder.
   static std::string nameOf(const std::string& path);
 

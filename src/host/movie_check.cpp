@@ -5,8 +5,6 @@
 #include <utility>
 
 #include "backends/session/sample_attributes.h"
-#include "dv/frame_timecode.h"
-#include "dv/recording_date_scan.h"
 #include "host/recapture_plan.h"
 #include "host/text.h"
 #include "timecode/timecode_text.h"
@@ -27,11 +25,11 @@ double secondsOf(std::int64_t frames, int timebase) {
 
 }  // namespace
 
-void MovieCheck::add(const SharedBytes& frame) {
-  if (frameSize_ != 0 && frame.size() != frameSize_) wrong("the tape changes its system in it");
-  frameSize_ = frame.size();
-  if (const auto timecode = firstTimecode(frame)) checkTimecode(timecode->time);
-  if (const DateValue date = scanRecordingDate(frame).date) checkDate(date);
+void MovieCheck::add(const FrameNote& frame) {
+  if (frameSize_ != 0 && frame.bytes != frameSize_) wrong("the tape changes its system in it");
+  frameSize_ = frame.bytes;
+  if (frame.timecode) checkTimecode(*frame.timecode);
+  if (frame.recordingDate) checkDate(frame.recordingDate);
   ++frames_;
 }
 

@@ -8,6 +8,7 @@
 #include "base/calendar_date.h"
 #include "base/shared_bytes.h"
 #include "host/catalogue/catalogue_store.h"
+#include "host/frame_note.h"
 
 namespace zq::host {
 
@@ -19,7 +20,8 @@ class MovieCheck {
  public:
   explicit MovieCheck(CatalogueClip clip) : clip_(std::move(clip)) {}
 
-  void add(const SharedBytes& frame);
+  void add(const FrameNote& frame);
+  void add(const SharedBytes& frame) { add(noteOf(frame)); }
   std::int64_t frames() const { return frames_; }
   /// After the last frame: what is wrong, in words for the user; "" when all is right.
   std::string verdict() const;

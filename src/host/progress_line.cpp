@@ -4,10 +4,18 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <string>
 
 #include "host/text.h"
 
 namespace zq::host {
+namespace {
+
+std::string queueText(const std::optional<QueueProgress>& queue) {
+  return queue ? fmt::format("  queue {}/{}", queue->held, queue->capacity) : "";
+}
+
+}  // namespace
 
 ProgressLine::ProgressLine(platform::Clock& wall)
     : wall_(wall), onTerminal_(::isatty(STDERR_FILENO) != 0), start_(wall.now()) {}
@@ -18,9 +26,9 @@ void ProgressLine::show(const CaptureProgress& progress) {
   const double tapeSeconds = static_cast<double>(progress.frames) / progress.framesPerSecond;
   const std::string timecode = textOf(progress.timecode);
   const std::string date = textOf(progress.recordingDate);
-  fmt::print(stderr, "\r\033[K{}  {}  clip {}  {} frames  {:.1f}x  {} dropped",
+  fmt::print(stderr, "\r\033[K{}  {}  clip {}  {} frames  {:.1f}x  {} dropped{}",
              timecode.empty() ? "--:--:--:--" : timecode, date.empty() ? "no date" : date, progress.clip,
-             progress.frames, seconds > 0 ? tapeSeconds / seconds : 0.0, progress.dropped);
+             progress.frames, seconds > 0 ? tapeSeconds / seconds : 0.0, progress.dropped, queueText(progress.queue));
   std::fflush(stderr);
   shown_ = true;
 }
@@ -29,8 +37,9 @@ void ProgressLine::show(const RecaptureProgress& progress) {
   if (!onTerminal_) return;
   const std::string timecode = textOf(progress.timecode);
   const std::string date = textOf(progress.recordingDate);
-  fmt::print(stderr, "\r\033[K{}  {}  {} of {}  {}", timecode.empty() ? "--:--:--:--" : timecode,
-             date.empty() ? "no date" : date, progress.recaptured, counted(progress.inAll, "clip"), progress.note);
+  fmt::print(stderr, "\r\033[K{}  {}  {} of {}{}  {}", timecode.empty() ? "--:--:--:--" : timecode,
+             date.empty() ? "no date" : date, progress.recaptured, counted(progress.inAll, "clip"),
+             queueText(progress.queue), progress.note);
   std::fflush(stderr);
   shown_ = true;
 }

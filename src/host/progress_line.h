@@ -1,7 +1,9 @@
 #pragma once
 // One line on the terminal that says how far a capture is.
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "base/calendar_date.h"
@@ -10,6 +12,12 @@
 
 namespace zq::host {
 
+/// How full the queue of frames is that wait to be compressed.
+struct QueueProgress {
+  std::size_t held = 0;
+  std::size_t capacity = 0;
+};
+
 struct CaptureProgress {
   TimecodeValue timecode;
   DateValue recordingDate;
@@ -17,6 +25,8 @@ struct CaptureProgress {
   std::int64_t frames = 0;
   std::int64_t dropped = 0;
   double framesPerSecond = 25;  // the tape's own rate
+  /// Nothing where movies are written as received.
+  std::optional<QueueProgress> queue = std::nullopt;
 };
 
 struct RecaptureProgress {
@@ -25,6 +35,7 @@ struct RecaptureProgress {
   DateValue recordingDate;
   int recaptured = 0;
   int inAll = 0;
+  std::optional<QueueProgress> queue = std::nullopt;  // as above
 };
 
 /// Silent unless standard error is a terminal.

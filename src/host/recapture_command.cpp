@@ -7,12 +7,16 @@
 #include <utility>
 
 #include "backends/time/real_runtime.h"
+#include "capture/capture_settings.h"
 #include "host/backend_module.h"
 #include "host/exit_codes.h"
+#include "host/frame_witness.h"
 #include "host/interrupts.h"
 #include "host/recapture_plan.h"
 #include "host/recapture_report.h"
 #include "host/recapture_run.h"
+#include "host/run_settings.h"
+#include "host/speed_check.h"
 #include "host/tape_device.h"
 
 namespace zq::host {
@@ -21,21 +25,32 @@ namespace {
 /// One recapture, from options that were found right.
 class RecaptureCommand {
  public:
-  RecaptureCommand(const RecaptureOptions& options, Console& console)
-      : options_(options), console_(console), files_(options.output, options.format, options.tape) {}
+  RecaptureCommand(const RecaptureOptions& options, Console& console) : options_(options), console_(console) {}
 
   int run() {
     auto image = openDevice(options_.device);
     if (!image.ok()) return failed(image.error());
     auto module = loadBackendModule();
     if (!module.ok()) return failed(module.error());
+    const std::unique_ptr<platform::Runtime> runtime =
+        makeRuntime(options_.realTime ? Pace::realTime : Pace::virtualTime);
+    const auto stored = module.value()->makeUserSettings(*runtime);
+    CaptureSettings::registerDefaults(*stored);
+    RunSettings settings(*runtime, *stored, *module.value());
+    if (const auto refusal = settings.lay(RunSettings::Start::uncompressed, options_.compression, {})) {
+      return refused(*refusal);
+    }
+    const auto extension = settings.extensionFor(options_.format);
+    if (!extension.ok()) return refused({extension.error(), kExitUsage});
     auto catalogue = module.value()->openCatalogue(options_.catalogue, false);
     if (!catalogue.ok()) return failed(catalogue.error());
     auto tape = catalogue.value()->tape(options_.tape);
     if (!tape.ok()) return failed(tape.error());
     if (Status status = checkWritable(*catalogue.value(), tape.value()); !status.ok()) return failed(status.error());
-    if (Status status = files_.prepare(); !status.ok()) return failed(status.error());
-    return record(*module.value(), *catalogue.value(), tape.value(), image.value());
+    ClipFiles files(options_.output, extension.value(), options_.tape);
+    if (Status status = files.prepare(); !status.ok()) return failed(status.error());
+    return record({*runtime, *module.value(), settings, extension.value(), *catalogue.value(), tape.value(),
+                   image.value(), files});
   }
 
  private:
@@ -48,32 +63,58 @@ class RecaptureCommand {
     return written.ok() ? Status() : Status(written.error());
   }
 
-  int record(BackendModule& module, CatalogueStore& store, const CatalogueTape& tape,
-             const std::shared_ptr<backend::TapeImage>& image) {
-    const std::unique_ptr<platform::Runtime> runtime =
-        makeRuntime(options_.realTime ? Pace::realTime : Pace::virtualTime);
+  /// What was opened for a recapture.
+  struct Opened {
+    platform::Runtime& runtime;
+    BackendModule& module;
+    RunSettings& settings;
+    const std::string& extension;
+    CatalogueStore& store;
+    const CatalogueTape& tape;
+    std::shared_ptr<backend::TapeImage> image;
+    ClipFiles& files;
+  };
+
+  int record(const Opened& opened) {
+    BackendModule& module = opened.module;
+    const RunCompression& chosen = opened.settings.compression();
+    const auto compression = module.makeCompression(console_);
     const auto writers = module.makeMovieWriters(console_);
+    FrameWitness witness(opened.runtime, *writers);
     backend::RealRuntime wall;
     const Interrupts interrupts;
-    RecaptureRun recapture(
-        {*runtime,
-         wall.clock(),
-         *writers,
-         console_,
-         files_,
-         image,
-         {},
-         tape,
-         options_.manual,
-         lookInterval(options_.realTime),
-         [] { return Interrupts::wasAsked(); },
-         [&](const std::string& path, const auto& take) { return module.readMovieFrames(path, take); },
-         [&](const CatalogueClip& clip, const std::string& path) { return store.setRecaptured(clip.id, path); }});
-    return finish(recapture.run());
+    if (options_.realTime) {
+      warnIfTooSlow(module, *compression, opened.settings, opened.extension, *opened.image, console_);
+    }
+    RecaptureRunSetup setup{
+        opened.runtime,
+        wall.clock(),
+        *compression,
+        opened.settings.live(),
+        *writers,
+        console_,
+        opened.files,
+        opened.image,
+        deckOptions(options_.realTime, chosen.isCompressed()),
+        opened.tape,
+        options_.manual,
+        lookInterval(options_.realTime),
+        [] { return Interrupts::wasAsked(); },
+        [&](const std::string& path, const auto& take) { return module.readMovieFrames(path, take); },
+        [&](const CatalogueClip& clip, const std::string& path) { return opened.store.setRecaptured(clip.id, path); },
+        {}};
+    if (chosen.isCompressed()) {
+      setup.compressed = {chosen.index, chosen.sizeTag, &witness,
+                          [&](const std::string& path) { return module.countMovieFrames(path); },
+                          chosen.picturesPerFrame};
+    }
+    return finish(RecaptureRun(setup).run(), opened);
   }
 
-  int finish(const RecaptureOutcome& outcome) {
-    const RecaptureReport report(options_.tape, options_.manual, outcome);
+  int finish(const RecaptureOutcome& outcome, const Opened& opened) {
+    const RunCompression& chosen = opened.settings.compression();
+    RecaptureReport report(options_.tape, options_.manual, outcome);
+    if (chosen.isCompressed()) report.setCompression(opened.extension, chosen.name, chosen.customSettings);
     if (options_.json) {
       fmt::print("{}\n", report.json().dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
     } else if (!outcome.clips.empty()) {
@@ -101,14 +142,22 @@ class RecaptureCommand {
     return kExitFailed;
   }
 
+  int refused(const Refusal& refusal) {
+    console_.error(refusal.error);
+    return refusal.exitCode;
+  }
+
   const RecaptureOptions& options_;
   Console& console_;
-  ClipFiles files_;
 };
 
 }  // namespace
 
 int runRecapture(const RecaptureOptions& options, Console& console) {
+  if (Status words = checkWords(options.compression); !words.ok()) {
+    console.error(words.error());
+    return kExitUsage;
+  }
   return RecaptureCommand(options, console).run();
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "host/console.h"
+#include "host/run_settings.h"
 
 namespace zq::host {
 
@@ -12,7 +13,9 @@ struct RecaptureOptions {
   std::string catalogue;
   std::string tape;
   std::string output;
-  std::string format = "mov";
+  /// The movies' extension; "" for that of the compression.
+  std::string format;
+  CompressionWords compression;
   bool manual = false;
   bool realTime = false;
   bool json = false;

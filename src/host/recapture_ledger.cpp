@@ -20,10 +20,6 @@ bool isThere(const fs::path& path) {
   return fs::symlink_status(path, failed).type() != fs::file_type::not_found;
 }
 
-std::string aliasName(const CatalogueClip& clip) {
-  return std::to_string(clip.id) + ".mov";
-}
-
 }  // namespace
 
 RecaptureLedger::RecaptureLedger(Services services, ClipFiles& files, std::vector<CatalogueClip> clips)
@@ -97,14 +93,36 @@ void RecaptureLedger::movieFinished(const backend::FinishedFile& file) {
 
 std::string RecaptureLedger::verdictOn(const RecapturedClip& entry, const backend::FinishedFile& file) const {
   if (file.error) return file.error->text();
-  if (file.dropped > 0) return counted(file.dropped, "frame") + " were lost: the disk does not keep up";
-  MovieCheck check(entry.clip);
-  if (Status read = services_.readMovie(file.path, [&](const SharedBytes& frame) { check.add(frame); }); !read.ok()) {
-    return read.error().text();
+  const bool compressed = services_.compressed.areCompressed();
+  if (file.dropped > 0) {
+    return counted(file.dropped, "frame") +
+           " were lost: " + (compressed ? "compression does not keep up with the tape" : "the disk does not keep up");
   }
+  MovieCheck check(entry.clip);
+  const std::string unread = compressed ? hearWitness(file.path, check) : readBack(file.path, check);
+  if (!unread.empty()) return unread;
   if (check.frames() != file.frames) return "it does not hold the frames that were written";
   const std::string verdict = check.verdict();
   return verdict.empty() ? verdictOnLength(entry, check.frames()) : verdict;
+}
+
+std::string RecaptureLedger::readBack(const std::string& path, MovieCheck& check) const {
+  const Status read = services_.readMovie(path, [&](const SharedBytes& frame) { check.add(frame); });
+  return read.ok() ? "" : read.error().text();
+}
+
+// What the frames of a compressed movie said of themselves is known from when they were written; that they are all
+// there, from the file.
+std::string RecaptureLedger::hearWitness(const std::string& path, MovieCheck& check) const {
+  const CompressedMovies& compressed = services_.compressed;
+  for (const FrameNote& frame : compressed.witness->takeFramesOf(path)) check.add(frame);
+  const auto pictures = compressed.countPictures(path);
+  if (!pictures.ok()) return pictures.error().text();
+  const std::int64_t expected = check.frames() * compressed.picturesPerFrame;
+  const bool isRight =
+      compressed.picturesPerFrame > 0 ? pictures.value() == expected : pictures.value() > 0 || check.frames() == 0;
+  if (isRight) return "";
+  return "it has " + counted(pictures.value(), "picture") + " of " + counted(check.frames(), "frame");
 }
 
 // Where a timecode starts again within a clip, its end timecode comes by before the clip has ended. Only the movie that
@@ -138,6 +156,11 @@ void RecaptureLedger::keep(RecapturedClip& entry, const std::string& path) {
     services_.log.write(LogLevel::error,
                         "The movie " + named + " is right, but the catalogue was not told: " + stored.error().text());
   }
+}
+
+// Movies as received are found under one name whatever the container; players go by the extension of the others.
+std::string RecaptureLedger::aliasName(const CatalogueClip& clip) const {
+  return std::to_string(clip.id) + "." + (services_.compressed.areCompressed() ? files_.extension() : "mov");
 }
 
 void RecaptureLedger::leaveAlias(RecapturedClip& entry, const std::string& movie) const {

@@ -12,10 +12,13 @@
 #include "base/log.h"
 #include "host/catalogue/catalogue_store.h"
 #include "host/clip_files.h"
+#include "host/compressed_movies.h"
 #include "platform/file_manager.h"
 #include "platform/runtime.h"
 
 namespace zq::host {
+
+class MovieCheck;
 
 /// A marked clip when all is done. Paths are those within the output folder, empty where there is no file.
 struct RecapturedClip {
@@ -40,6 +43,7 @@ class RecaptureLedger {
     /// A clip's movie is right and has its name, given by its absolute path: main thread.
     std::function<Status(const CatalogueClip& clip, const std::string& path)> recaptured;
     Log& log;
+    CompressedMovies compressed;
   };
 
   RecaptureLedger(Services services, ClipFiles& files, std::vector<CatalogueClip> clips);
@@ -77,9 +81,13 @@ class RecaptureLedger {
 
   RecapturedClip* find(std::int64_t clip);
   std::string verdictOn(const RecapturedClip& entry, const backend::FinishedFile& file) const;
+  /// Reads the movie back, or hears of what went into it, and shows `check` each frame; what is wrong with the file.
+  std::string readBack(const std::string& path, MovieCheck& check) const;
+  std::string hearWitness(const std::string& path, MovieCheck& check) const;
   std::string verdictOnLength(const RecapturedClip& entry, std::int64_t frames) const;
   void keep(RecapturedClip& entry, const std::string& path);
   void setAside(RecapturedClip& entry, const std::string& path, const std::string& verdict);
+  std::string aliasName(const CatalogueClip& clip) const;
   void leaveAlias(RecapturedClip& entry, const std::string& movie) const;
 
   // Constant after construction.

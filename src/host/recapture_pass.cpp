@@ -81,26 +81,38 @@ RecapturePass::End RecapturePass::run() {
     end(End::error);
   };
   observer.frameSeen = [this](platform::QTCaptureFileOutput& output, const platform::QTSampleBuffer& frame) {
-    if (&output != watchedOutput_) return;
-    ++frames_;
-    if (ZQACRecaptureController* controller = std::exchange(cameToAnotherStart_, nullptr)) armStartAgain(*controller);
-    closeAtUndatedEnd(*watchedController_, frame);
+    frameSeen(output, frame);
   };
   platform_ = std::make_unique<backend::SessionPlatform>(setup_.runtime, setup_.writers, setup_.console, observer);
   platform_->setInputDevices({setup_.device});
+  orderedPlatform_ = std::make_unique<DecidingOutputFirst>(*platform_);
   start();
   if (!end_) setup_.runtime.mainLoop().run();
   takeDown();
   return *end_;
 }
 
+platform::CapturePlatform& RecapturePass::capturePlatform() const {
+  if (setup_.compressed.areCompressed()) return *orderedPlatform_;
+  return *platform_;
+}
+
+// The controller decides by the frames of its movie output, or of its other one while that one compresses.
+void RecapturePass::frameSeen(const platform::QTCaptureFileOutput& output, const platform::QTSampleBuffer& frame) {
+  const bool isOfMovie = &output == movieOutput_;
+  if (isOfMovie == setup_.compressed.areCompressed()) return;
+  ++frames_;
+  if (ZQACRecaptureController* controller = std::exchange(cameToAnotherStart_, nullptr)) armStartAgain(*controller);
+  closeAtUndatedEnd(*watchedController_, frame);
+}
+
 void RecapturePass::start() {
   controller_ = std::make_unique<ZQACRecaptureController>(
-      RecaptureServices{setup_.runtime, *platform_, setup_.notifications, setup_.alerts, setup_.strings, setup_.files,
-                        setup_.console},
+      RecaptureServices{setup_.runtime, capturePlatform(), setup_.compression, setup_.settings, setup_.notifications,
+                        setup_.alerts, setup_.strings, setup_.files, setup_.console},
       outletsFor(note_));
   watchedController_ = controller_.get();
-  watchedOutput_ = &controller_->movieFileOutput();
+  movieOutput_ = &controller_->movieFileOutput();
   controller_->setDelegate(&delegate_);
   transportObservation_ = setup_.notifications.addObserver(
       platform::QTCaptureDeviceAttributeDidChangeNotification, [this](const platform::Notification&) {
@@ -112,11 +124,26 @@ void RecapturePass::start() {
     error_ = Error{"The device cannot be used", "See the message above."};
     return end(End::error);
   }
+  chooseCompression();
   controller_->setRecaptureModeTag(setup_.manual ? kManualTag : kAutomaticTag);
   controller_->openRecapture();
   controller_->loadATape(setup_.tape);
   controller_->startRecapture();
   look();
+}
+
+// A session starts uncompressed, whatever the one before it had.
+void RecapturePass::chooseCompression() {
+  if (!setup_.compressed.areCompressed()) return;
+  controller_->setFitToSizeTag(setup_.compressed.sizeTag);
+  controller_->setVideoCompressionOptions(
+      controller_->allVideoCompressionOptions().at(static_cast<std::size_t>(setup_.compressed.choice)));
+}
+
+std::optional<QueueProgress> RecapturePass::queue() const {
+  if (!setup_.compressed.areCompressed()) return std::nullopt;
+  const backend::SessionPlatform::QueueLevel level = platform_->queueLevel();
+  return QueueProgress{level.held, level.capacity};
 }
 
 TapeWatch::Session RecapturePass::session() const {
@@ -138,7 +165,7 @@ void RecapturePass::look() {
   if (setup_.runtime.clock().now() > setup_.deadline) return end(End::overdue);
   setup_.progress.show(RecaptureProgress{controller_->processNote(), valueWithSMPTETime(controller_->currentTimecode()),
                                          controller_->currentDateOnClip(), setup_.ledger.recapturedClips(),
-                                         static_cast<int>(setup_.ledger.clips().size())});
+                                         static_cast<int>(setup_.ledger.clips().size()), queue()});
   obey(watch_.look(session(), setup_.runtime.clock().now()));
   if (!end_) lookTimer_ = setup_.runtime.mainLoop().startTimer(setup_.lookEvery, [this] { look(); });
 }

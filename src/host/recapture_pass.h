@@ -11,7 +11,9 @@
 
 #include "backends/session/session_platform.h"
 #include "host/alert_list.h"
+#include "host/compressed_movies.h"
 #include "host/console.h"
+#include "host/deciding_output_first.h"
 #include "host/note_log.h"
 #include "host/progress_line.h"
 #include "host/recapture_ledger.h"
@@ -24,6 +26,8 @@ namespace zq::host {
 /// What a pass needs. All of it outlives the pass.
 struct RecapturePassSetup {
   platform::Runtime& runtime;
+  platform::CompressionPlatform& compression;
+  platform::Settings& settings;
   platform::MovieWriterFactory& writers;
   platform::NotificationCenter& notifications;
   platform::FileManager& files;
@@ -40,6 +44,7 @@ struct RecapturePassSetup {
   std::function<bool()> interrupted;
   /// When the whole recapture has to be over.
   platform::TimePoint deadline;
+  CompressedMovies compressed;
 };
 
 class RecapturePass {
@@ -68,10 +73,14 @@ class RecapturePass {
 
  private:
   ZQACRecaptureControllerDelegate makeDelegate();
+  void frameSeen(const platform::QTCaptureFileOutput& output, const platform::QTSampleBuffer& frame);
   void start();
+  platform::CapturePlatform& capturePlatform() const;
+  void chooseCompression();
   void look();
   void obey(TapeAdvice advice);
   TapeWatch::Session session() const;
+  std::optional<QueueProgress> queue() const;
   void end(End end);
   void cancel();
   void takeDown();
@@ -84,13 +93,14 @@ class RecapturePass {
   std::atomic<std::int64_t> frames_ = 0;
   // Set before the first frame; frames come only while the controller lives.
   ZQACRecaptureController* watchedController_ = nullptr;
-  std::atomic<const platform::QTCaptureFileOutput*> watchedOutput_ = nullptr;
+  std::atomic<const platform::QTCaptureFileOutput*> movieOutput_ = nullptr;
 
   // Delivery thread only: whose start timecode came by in another scene, while this frame is delivered.
   ZQACRecaptureController* cameToAnotherStart_ = nullptr;
 
   // Main thread only.
   std::unique_ptr<backend::SessionPlatform> platform_;
+  std::unique_ptr<DecidingOutputFirst> orderedPlatform_;
   std::unique_ptr<ZQACRecaptureController> controller_;
   TapeWatch watch_;
   platform::Observation transportObservation_;

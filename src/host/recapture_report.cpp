@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "host/text.h"
 
@@ -60,6 +61,12 @@ std::vector<std::string> RecaptureReport::failures() const {
   return lines;
 }
 
+void RecaptureReport::setCompression(std::string format, std::string name, std::vector<std::string> settings) {
+  format_ = std::move(format);
+  compression_ = std::move(name);
+  customCompression_ = std::move(settings);
+}
+
 ordered_json RecaptureReport::json() const {
   ordered_json clips = ordered_json::array();
   for (const RecapturedClip& entry : outcome_.clips) clips.push_back(clipJson(entry));
@@ -67,13 +74,17 @@ ordered_json RecaptureReport::json() const {
   for (const Error& alert : outcome_.alerts) {
     alerts.push_back({{"message", alert.message}, {"informative", alert.informative}});
   }
-  ordered_json report = {{"tape", tape_},
-                         {"mode", manual_ ? "manual" : "automatic"},
-                         {"clips", clips},
-                         {"recaptured", count(RecapturedClip::Status::recaptured)},
-                         {"failed", count(RecapturedClip::Status::failed)},
-                         {"alerts", alerts},
-                         {"tapeSeconds", outcome_.tapeSeconds}};
+  ordered_json report = {{"tape", tape_}, {"mode", manual_ ? "manual" : "automatic"}};
+  if (!compression_.empty()) {
+    report["format"] = format_;
+    report["compression"] = compression_;
+    if (!customCompression_.empty()) report["customCompression"] = customCompression_;
+  }
+  report["clips"] = clips;
+  report["recaptured"] = count(RecapturedClip::Status::recaptured);
+  report["failed"] = count(RecapturedClip::Status::failed);
+  report["alerts"] = alerts;
+  report["tapeSeconds"] = outcome_.tapeSeconds;
   if (outcome_.error) report["error"] = outcome_.error->text();
   return report;
 }

@@ -14,6 +14,9 @@ class RecaptureReport {
   RecaptureReport(std::string tape, bool manual, const RecaptureOutcome& outcome)
       : tape_(std::move(tape)), manual_(manual), outcome_(outcome) {}
 
+  /// The movies were compressed: their extension, the choice's name and, of a custom one, its settings.
+  void setCompression(std::string format, std::string name, std::vector<std::string> settings);
+
   nlohmann::ordered_json json() const;
   /// Fits a terminal of 80 columns.
   void print() const;
@@ -25,6 +28,9 @@ class RecaptureReport {
   const std::string tape_;
   const bool manual_;
   const RecaptureOutcome& outcome_;
+  std::string format_;
+  std::string compression_;  // "" for movies as received
+  std::vector<std::string> customCompression_;
 };
 
 }  // namespace zq::host

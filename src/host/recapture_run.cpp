@@ -45,7 +45,8 @@ platform::Duration durationOf(double secondsLong) {
 struct RecaptureRun::Parts {
   Parts(const RecaptureRunSetup& setup, const RecapturePlan& plan)
       : alerts(setup.runtime, setup.console),
-        ledger({setup.runtime, files, setup.readMovie, setup.recaptured, setup.console}, setup.files, plan.clips),
+        ledger({setup.runtime, files, setup.readMovie, setup.recaptured, setup.console, setup.compressed}, setup.files,
+               plan.clips),
         deck(std::make_shared<backend::SimulatedDeck>(setup.runtime, notifications, setup.tape, setup.deck,
                                                       setup.console)),
         progress(setup.wall) {}
@@ -99,10 +100,16 @@ RecaptureOutcome RecaptureRun::run() {
   return outcome_;
 }
 
+platform::MovieWriterFactory& RecaptureRun::writers() const {
+  if (setup_.compressed.areCompressed()) return *setup_.compressed.witness;
+  return setup_.writers;
+}
+
 RecapturePass::End RecaptureRun::runPass(const TapeValue& records, const std::vector<CatalogueClip>& wanted) {
-  RecapturePass pass({setup_.runtime, setup_.writers, parts_->notifications, parts_->controllersFiles, parts_->strings,
-                      parts_->alerts, setup_.console, parts_->ledger, parts_->progress, parts_->deck, records,
-                      setup_.manual, limitsFor(wanted), setup_.lookEvery, setup_.interrupted, deadline_});
+  RecapturePass pass({setup_.runtime, setup_.compression, setup_.settings, writers(), parts_->notifications,
+                      parts_->controllersFiles, parts_->strings, parts_->alerts, setup_.console, parts_->ledger,
+                      parts_->progress, parts_->deck, records, setup_.manual, limitsFor(wanted), setup_.lookEvery,
+                      setup_.interrupted, deadline_, setup_.compressed});
   const RecapturePass::End end = pass.run();
   goOn_ = learnFrom(end, pass);
   return end;

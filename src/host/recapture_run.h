@@ -13,6 +13,7 @@
 #include "base/status.h"
 #include "host/alert_list.h"
 #include "host/catalogue/catalogue_store.h"
+#include "host/compressed_movies.h"
 #include "host/console.h"
 #include "host/recapture_ledger.h"
 #include "host/recapture_pass.h"
@@ -26,6 +27,8 @@ namespace zq::host {
 struct RecaptureRunSetup {
   platform::Runtime& runtime;
   platform::Clock& wall;
+  platform::CompressionPlatform& compression;
+  platform::Settings& settings;
   platform::MovieWriterFactory& writers;
   Console& console;
   ClipFiles& files;
@@ -38,6 +41,7 @@ struct RecaptureRunSetup {
   std::function<Status(const std::string& path, const std::function<void(const SharedBytes&)>& take)> readMovie;
   /// A clip was recaptured to this path.
   std::function<Status(const CatalogueClip& clip, const std::string& path)> recaptured;
+  CompressedMovies compressed;
 };
 
 /// What became of a recapture.
@@ -61,6 +65,7 @@ class RecaptureRun {
 
  private:
   struct Parts;
+  platform::MovieWriterFactory& writers() const;
   RecapturePass::End runPass(const TapeValue& records, const std::vector<CatalogueClip>& wanted);
   /// Whether another pass may help.
   bool learnFrom(RecapturePass::End end, const RecapturePass& pass);

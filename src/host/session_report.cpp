@@ -52,12 +52,14 @@ ordered_json SessionReport::json(const platform::Settings& settings) const {
   }
   ordered_json clipList = ordered_json::array();
   for (const CapturedClip& clip : clips) clipList.push_back(clipJson(clip));
-  ordered_json report = {{"device", device},
-                         {"format", format},
-                         {"settings", settingList},
-                         {"clips", clipList},
-                         {"frames", {{"delivered", delivered}, {"recorded", recorded}, {"dropped", dropped}}},
-                         {"ended", ended}};
+  ordered_json report = {{"device", device}, {"format", format}};
+  if (!compression.empty()) report["compression"] = compression;
+  if (!customCompression.empty()) report["customCompression"] = customCompression;
+  if (!configuration.empty()) report["configuration"] = configuration;
+  report["settings"] = settingList;
+  report["clips"] = clipList;
+  report["frames"] = {{"delivered", delivered}, {"recorded", recorded}, {"dropped", dropped}};
+  report["ended"] = ended;
   if (!findings.empty()) report["findings"] = findings;
   if (!error.empty()) report["error"] = error;
   return report;

@@ -14,7 +14,12 @@ namespace zq::host {
 
 struct SessionReport {
   std::string device;
-  std::string format;
+  std::string format;  // the movies' extension
+  /// How movies are compressed, with the settings of a custom compression, and the named configuration that was asked
+  /// for; in the report when there is any.
+  std::string compression;
+  std::vector<std::string> customCompression;
+  std::string configuration;
   std::vector<CapturedClip> clips;
   std::int64_t delivered = 0;
   std::int64_t recorded = 0;

@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "capture/settings_keys.h"
+#include "host/picture_size.h"
 
 namespace zq::host {
 namespace {
@@ -33,8 +34,8 @@ constexpr std::array<KeyRule, 11> kRules{{
     {ZQACFrameSampling, Kind::boolean, 0, 1, "a thumbnail at each sampling interval, not only first and last"},
     {ZQACSampleInterval, Kind::integer, 0, 4, "the interval: 0 to 4 for 1, 2, 5, 10, 20 seconds"},
     {ZQACCaptureMovie, Kind::boolean, 0, 1, "write movies, not only thumbnails"},
-    {ZQACCaptureCompression, Kind::integer, 0, 0, "0: as received"},
-    {ZQACCaptureCompressionSize, Kind::integer, 0, 4, "frame size of custom compression"},
+    {ZQACCaptureCompression, Kind::integer, 0, 1000, "0: as received, from 1 on as deckhand presets numbers them"},
+    {ZQACCaptureCompressionSize, Kind::integer, 0, kTagOfTape, "picture size of custom compression, see --size"},
     {ZQACCaptureMovieVolume, Kind::real, 0, 1, "volume of the sound monitor, 0 to 1"},
 }};
 
@@ -118,12 +119,24 @@ Expected<SettingChange> parseSetting(const std::string& text) {
   return SettingChange{key, *parsed};
 }
 
-Status checkStored(const std::string& key, const platform::SettingValue& value) {
+Expected<std::vector<SettingChange>> parseSettings(const std::vector<std::string>& texts) {
+  std::vector<SettingChange> changes;
+  for (const std::string& text : texts) {
+    auto change = parseSetting(text);
+    if (!change.ok()) return change.error();
+    changes.push_back(change.value());
+  }
+  return changes;
+}
+
+Expected<platform::SettingValue> readStored(const std::string& key, const platform::SettingValue& value) {
   const auto* rule =
       std::find_if(kRules.begin(), kRules.end(), [&key](const KeyRule& held) { return key == held.key; });
-  if (rule == kRules.end()) return {};
-  const std::string text = storedText(value);
-  if (parseValue(text, *rule)) return {};
+  if (rule == kRules.end()) return value;
+  // A configuration leaves a yes or no under the picture size, which counts as 1 or 0.
+  const bool* flag = rule->kind == Kind::integer ? std::get_if<bool>(&value) : nullptr;
+  const std::string text = flag != nullptr ? (*flag ? "1" : "0") : storedText(value);
+  if (auto parsed = parseValue(text, *rule)) return *parsed;
   return Error{"The stored setting " + key + ": \"" + text + "\" is not a value of it",
                "It takes " + rangeOf(*rule) + "."};
 }

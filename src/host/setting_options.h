@@ -17,8 +17,12 @@ struct SettingChange {
 /// An error names what is wrong and what would be right.
 Expected<SettingChange> parseSetting(const std::string& text);
 
-/// Whether the object that a store has under this key is a value of it; a store may have been edited by hand.
-Status checkStored(const std::string& key, const platform::SettingValue& value);
+/// All of them, or the first error.
+Expected<std::vector<SettingChange>> parseSettings(const std::vector<std::string>& texts);
+
+/// The object that a store has under this key as a value of the key's own kind, or an error when it is none; a store
+/// may have been edited by hand.
+Expected<platform::SettingValue> readStored(const std::string& key, const platform::SettingValue& value);
 
 /// One line for each key, for the help.
 std::string settingsHelp();

@@ -32,6 +32,12 @@ std::unique_ptr<platform::Runtime> makeRuntime(Pace pace) {
   return std::make_unique<backend::VirtualRuntime>(options);
 }
 
+backend::DeckOptions deckOptions(bool realTime, bool compresses) {
+  backend::DeckOptions options;
+  options.live = realTime && compresses;
+  return options;
+}
+
 platform::Duration lookInterval(bool realTime) {
   return realTime ? platform::Duration(std::chrono::milliseconds(200)) : std::chrono::seconds(1);
 }

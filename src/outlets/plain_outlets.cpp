@@ -72,4 +72,13 @@ const PlainPopUp::Item* PlainPopUp::itemAtIndex(int index) const {
   return &items_[static_cast<std::size_t>(index)];
 }
 
+void PlainSheet::beginSheet(std::function<void()> didEnd) {
+  didEnd_ = std::move(didEnd);
+  onScreen_ = true;
+}
+
+void PlainSheet::endSheet() {
+  if (const auto didEnd = std::exchange(didEnd_, nullptr)) didEnd();
+}
+
 }  // namespace zq::outlets

@@ -3,6 +3,7 @@
 
 #include <any>
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "outlets/overlay.h"
 #include "outlets/panel.h"
 #include "outlets/pop_up.h"
+#include "outlets/sheet.h"
 #include "platform/thread.h"
 
 namespace zq::platform {
@@ -83,6 +85,19 @@ class PlainPanel final : public Panel {
 
  private:
   std::atomic<bool> shown_ = false;
+};
+
+/// Off screen at first. Main thread only.
+class PlainSheet final : public Sheet {
+ public:
+  void beginSheet(std::function<void()> didEnd) override;
+  void endSheet() override;
+  void orderOut() override { onScreen_ = false; }
+  bool isOnScreen() const { return onScreen_; }
+
+ private:
+  std::function<void()> didEnd_;
+  bool onScreen_ = false;
 };
 
 }  // namespace zq::outlets

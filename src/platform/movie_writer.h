@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/status.h"
+#include "platform/compression.h"
 #include "platform/sample_buffer.h"
 
 namespace zq::platform {
@@ -14,7 +15,7 @@ namespace zq::platform {
 class MovieWriter {
  public:
   virtual ~MovieWriter() = default;
-  /// Writes one frame, its picture as received and its sound. An error leaves what was written before it intact;
+  /// Writes one frame, its picture and its sound. An error leaves what was written before it intact;
   /// finish() still completes the file.
   virtual Status append(const QTSampleBuffer& frame) = 0;
   /// Completes the file on disk. No call follows.
@@ -24,8 +25,10 @@ class MovieWriter {
 class MovieWriterFactory {
  public:
   virtual ~MovieWriterFactory() = default;
-  /// Creates the file, whose extension chooses the format; an existing file is an error and stays as it is.
-  virtual Expected<std::unique_ptr<MovieWriter>> create(const std::string& path) = 0;
+  /// Creates the file, whose extension chooses the format; an existing file is an error and stays as it is. Pictures
+  /// are written as received without `compression`.
+  virtual Expected<std::unique_ptr<MovieWriter>> create(
+      const std::string& path, const std::shared_ptr<const QTCompressionOptions>& compression) = 0;
 };
 
 }  // namespace zq::platform

@@ -31,18 +31,24 @@ bool startsLikeYes(const std::string& text) {
 
 }  // namespace
 
+bool boolFrom(const SettingValue& value) {
+  if (const std::string* text = std::get_if<std::string>(&value)) return startsLikeYes(*text);
+  return numberFrom(value) != 0;
+}
+
+int integerFrom(const SettingValue& value) {
+  using Limits = std::numeric_limits<int>;
+  return static_cast<int>(std::clamp<double>(numberFrom(value), Limits::min(), Limits::max()));
+}
+
 bool Settings::boolForKey(const std::string& key) const {
   const std::optional<SettingValue> value = objectForKey(key);
-  if (!value) return false;
-  if (const std::string* text = std::get_if<std::string>(&*value)) return startsLikeYes(*text);
-  return numberFrom(*value) != 0;
+  return value && boolFrom(*value);
 }
 
 int Settings::integerForKey(const std::string& key) const {
   const std::optional<SettingValue> value = objectForKey(key);
-  if (!value) return 0;
-  const double number = numberFrom(*value);
-  return static_cast<int>(std::clamp<double>(number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+  return value ? integerFrom(*value) : 0;
 }
 
 float Settings::floatForKey(const std::string& key) const {

@@ -13,6 +13,10 @@ namespace zq::platform {
 
 using SettingValue = std::variant<bool, std::int64_t, double, std::string, std::vector<std::uint8_t>>;
 
+// Lenient reading, as settings edited by hand need it: an unreadable object is false or 0.
+bool boolFrom(const SettingValue& value);
+int integerFrom(const SettingValue& value);
+
 /// Ends an observation when the last handle of it goes.
 using Observation = std::shared_ptr<void>;
 
@@ -28,7 +32,7 @@ class Settings {
   /// Calls `changed` with the key whenever the object under one of `keys` is set or removed.
   virtual Observation observe(std::vector<std::string> keys, std::function<void(const std::string& key)> changed) = 0;
 
-  // Lenient reading, as settings edited by hand need it: a missing or unreadable object is false, 0 or "".
+  // As lenient; a missing object is false, 0 or "" as well.
   bool boolForKey(const std::string& key) const;
   int integerForKey(const std::string& key) const;
   float floatForKey(const std::string& key) const;

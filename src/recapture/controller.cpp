@@ -4,12 +4,9 @@
 #include <mutex>
 #include <utility>
 
-#include "capture/compression_options.h"
-#include "capture/session_compression.h"
-
 // Set-up, devices and accessors. The session's start and end are in controller_session.cpp, the transport in
 // controller_transport.cpp, what is done with each frame in controller_frames.cpp, the movies in
-// controller_recording.cpp.
+// controller_recording.cpp, compression and the options sheet in controller_options.cpp.
 
 namespace zq {
 
@@ -38,16 +35,21 @@ ZQACRecaptureController::ZQACRecaptureController(const RecaptureServices& servic
       movieFileOutputAlter_(services.capture.makeMovieFileOutput()),
       audioPreviewOutput_(services.capture.makeAudioPreviewOutput()),
       transport_([this] { return selectedVideoDevice(); }),
+      customCompression_(services.compression, services.settings, services.log),
       devices_(services.runtime, services.capture, *session_, services.alerts, services.strings),
       lock_(services.runtime, "recapture controller"),
-      videoCompressionOptions_(QTNoCompressionOptions::noCompressionOptions()),
+      store_(services.settings),
+      compressionChoices_(services.compression, services.strings, services.log, outlets.compressionOptionsPopup),
       alive_(std::make_shared<ZQACRecaptureController*>(this)),
       preroll_(services.runtime, [this] { startRecord(); }) {
   screen_.connect(*session_);
   addOutputs();
   if (!videoDevices().empty()) setSelectedVideoDevice(nullptr);
+  buildVideoCompressionOptions();
+  announceFormatName();
   if (session_->inputCount() > 0) session_->startRunning();
   observeDevices();
+  observeSettings();
 }
 
 void ZQACRecaptureController::addOutputs() {
@@ -117,10 +119,6 @@ void ZQACRecaptureController::setSelectedVideoDevice(const std::shared_ptr<QTCap
   devices_.release();
   if (device && !devices_.select(device, [this] { stopPlaying(); })) return;
   updateVideoCompression();
-}
-
-void ZQACRecaptureController::updateVideoCompression() {
-  applyVideoCompression(*session_, *movieFileOutput_, nullptr);
 }
 
 TapeValue ZQACRecaptureController::currentTape() const {

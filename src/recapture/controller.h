@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "base/log.h"
+#include "capture/compression_choices.h"
+#include "capture/custom_compression.h"
 #include "capture/device_selection.h"
 #include "capture/key_observers.h"
 #include "capture/transport.h"
@@ -29,6 +31,8 @@ namespace zq {
 struct RecaptureServices {
   platform::Runtime& runtime;
   platform::CapturePlatform& capture;
+  platform::CompressionPlatform& compression;
+  platform::Settings& settings;
   platform::NotificationCenter& notifications;
   platform::Alerts& alerts;
   const platform::Strings& strings;
@@ -88,8 +92,31 @@ class ZQACRecaptureController : public platform::QTCaptureOutputDelegate {
   std::shared_ptr<platform::QTCaptureDevice> controllableDevice() const { return transport_.controllableDevice(); }
   void devicesAttributeDidChange();
   bool hasRecordingDevice() const { return devices_.input() != nullptr; }
-  /// "videoDevices".
+  /// "videoDevices", "allVideoCompressionOptions", "isCustomVideoCompression", "formatName",
+  /// "recaptureMovieCompressionData".
   KeyObservers& keys() { return keys_; }
+
+  // Compression of the movies that are started from now on, main thread only. Own settings are capture's.
+  void buildVideoCompressionOptions();
+  const std::vector<CompressionValue>& allVideoCompressionOptions() const { return compressionChoices_.all(); }
+  void setVideoCompressionOptions(CompressionValue options);
+  CompressionValue videoCompressionOptions() const;
+  bool isCustomVideoCompression() const;
+  /// Shows the dialog for the user's own settings.
+  void changeCustomCompression();
+  /// The size of own settings' pictures, see fitSize().
+  void setFitToSizeTag(std::int32_t tag);
+  std::int32_t fitToSizeTag() const { return fitToSizeTag_; }
+  void updateVideoCompression();
+  const CustomCompression& customCompression() const { return customCompression_; }
+  std::string formatName() const;
+
+  // The options sheet, main thread only.
+  void options();
+  void optionsDone() const;
+  void sheetDidEnd();
+  /// Asks the user where movies go.
+  void changePath();
 
   // Transport, from any thread. Commands without a controllable device do nothing, but for starting the session.
   void stopPlaying();
@@ -161,7 +188,8 @@ class ZQACRecaptureController : public platform::QTCaptureOutputDelegate {
  private:
   void addOutputs();
   void observeDevices();
-  void updateVideoCompression();
+  void observeSettings();
+  void announceFormatName() const;
   std::string localized(const std::string& text) const { return strings_.localizedString(text); }
 
   void cancelRecapture();
@@ -195,13 +223,14 @@ class ZQACRecaptureController : public platform::QTCaptureOutputDelegate {
   const std::shared_ptr<platform::QTCaptureMovieFileOutput> movieFileOutputAlter_;
   const std::shared_ptr<platform::QTCaptureAudioPreviewOutput> audioPreviewOutput_;
   const Transport transport_;
+  const CustomCompression customCompression_;
   DeviceSelection devices_;
 
   mutable platform::RecursiveLock lock_;
 
   // Guarded by lock_.
   const ZQACRecaptureControllerDelegate* delegate_ = nullptr;
-  std::shared_ptr<const platform::QTCompressionOptions> videoCompressionOptions_;
+  CompressionValue videoCompressionOptions_;
   bool isStart_ = false;
   std::int32_t recaptureModeTag_ = 0;
   bool isRecapStart_ = false;  // no rule sets it, so that every start brings a fresh preroll thread
@@ -229,6 +258,9 @@ class ZQACRecaptureController : public platform::QTCaptureOutputDelegate {
 
   // Main thread only.
   KeyObservers keys_;
+  platform::Settings& store_;
+  CompressionChoices compressionChoices_;
+  std::int32_t fitToSizeTag_ = 0;
   std::vector<std::shared_ptr<platform::QTCaptureDevice>> allVideoDevices_;
   bool devicesAreKnown_ = false;
   std::vector<platform::Observation> observations_;

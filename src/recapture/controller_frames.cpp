@@ -34,7 +34,7 @@ void ZQACRecaptureController::captureOutputDidOutputSampleBufferFromConnection(
     const platform::QTCaptureConnection& /*connection*/) {
   const std::lock_guard guard(lock_);
   if (isRecaptureDone_) return;
-  const bool compressed = videoCompressionOptions_ != QTNoCompressionOptions::noCompressionOptions();
+  const bool compressed = !isNoCompression(videoCompressionOptions_);
   const platform::QTCaptureOutput* carriesDV = compressed ? movieFileOutputAlter_.get() : movieFileOutput_.get();
   if (&output == carriesDV) recaptureEntryWithSampleBuffer(buffer);
 }

@@ -14,6 +14,7 @@
 #include "support/capture_push_device.h"
 #include "support/capture_recorders.h"
 #include "support/capture_tape.h"
+#include "support/compression_fakes.h"
 #include "support/scratch_folder.h"
 
 namespace zq::test {
@@ -30,7 +31,8 @@ class RealThreads : public testing::Test {
     CaptureOutlets outlets;
     outlets.timecodeView = &overlay_;
     controller_ = std::make_unique<ZQACController>(
-        CaptureServices{runtime_, platform_, settings_, notifications_, alerts_, strings_, log_}, outlets);
+        CaptureServices{runtime_, platform_, compression_, settings_, notifications_, alerts_, strings_, log_},
+        outlets);
     controller_->setDelegate(&delegate_.operations);
     controller_->setSelectedVideoDevice(device_);
   }
@@ -113,6 +115,7 @@ class RealThreads : public testing::Test {
   outlets::PlainOverlay overlay_{runtime_};
   RecordingDelegate delegate_{journal_, scratch_.path()};
   backend::SessionPlatform platform_{runtime_, movies_, log_, {}};
+  FakeCompression compression_;
   std::shared_ptr<PushDevice> device_ = std::make_shared<PushDevice>(runtime_);
   std::unique_ptr<ZQACController> controller_;
 };

@@ -229,7 +229,8 @@ class ThreadCount final : public platform::Runtime {
 TEST_F(RecapturePreroll, EveryStartBringsAThreadAndARequestIsMadeByOneOfThem) {
   ThreadCount counted(runtime_);
   controller_ = std::make_unique<ZQACRecaptureController>(
-      RecaptureServices{counted, platform_, notifications_, alerts_, strings_, files_, log_}, outlets_);
+      RecaptureServices{counted, platform_, compression_, settings_, notifications_, alerts_, strings_, files_, log_},
+      outlets_);
   device_ = selectDevice(kPlaying);
   controller_->setCurrentTape(makeTape({{{120, 5000}}}));
   for (int i = 0; i < 5; ++i) controller_->startRecapture();
@@ -247,7 +248,8 @@ TEST_F(RecapturePreroll, EveryStartBringsAThreadAndARequestIsMadeByOneOfThem) {
 TEST_F(RecapturePreroll, ARefusedStartBringsNoThread) {
   ThreadCount counted(runtime_);
   controller_ = std::make_unique<ZQACRecaptureController>(
-      RecaptureServices{counted, platform_, notifications_, alerts_, strings_, files_, log_}, outlets_);
+      RecaptureServices{counted, platform_, compression_, settings_, notifications_, alerts_, strings_, files_, log_},
+      outlets_);
   controller_->startRecapture();
   selectDevice(kPlaying);
   controller_->startRecapture();

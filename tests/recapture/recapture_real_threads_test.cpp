@@ -6,12 +6,14 @@
 #include <atomic>
 
 #include "backends/session/session_platform.h"
+#include "backends/settings/memory_settings.h"
 #include "backends/time/real_runtime.h"
 #include "outlets/plain_outlets.h"
 #include "recapture/controller.h"
 #include "support/capture_movies.h"
 #include "support/capture_push_device.h"
 #include "support/capture_recorders.h"
+#include "support/compression_fakes.h"
 #include "support/recapture_recorders.h"
 #include "support/recapture_tape.h"
 
@@ -54,8 +56,10 @@ class RecaptureRealThreads : public testing::Test {
     outlets.timelineView = &timeline_;
     outlets.thumbnailView = &strip_;
     outlets.messageText = &messageText_;
-    controller_ = std::make_unique<ZQACRecaptureController>(
-        RecaptureServices{runtime_, platform_, notifications_, alerts_, strings_, files_, log_}, outlets);
+    controller_ =
+        std::make_unique<ZQACRecaptureController>(RecaptureServices{runtime_, platform_, compression_, settings_,
+                                                                    notifications_, alerts_, strings_, files_, log_},
+                                                  outlets);
     controller_->setDelegate(&delegate_.operations);
     controller_->setSelectedVideoDevice(device_);
     controller_->loadATape(makeTape({{kClip, {200, 6000, 30}}}));
@@ -113,6 +117,8 @@ class RecaptureRealThreads : public testing::Test {
   RecordingFiles files_{journal_};
   RecordingRecaptureDelegate delegate_{journal_};
   backend::SessionPlatform platform_{runtime_, movies_, log_, {}};
+  FakeCompression compression_;
+  backend::MemorySettings settings_{runtime_};
   std::shared_ptr<PushDevice> device_ = std::make_shared<PushDevice>(runtime_);
   std::unique_ptr<ZQACRecaptureController> controller_;
 };

@@ -20,6 +20,7 @@
 #include "host/catalogue_entry.h"
 #include "host/recapture_run.h"
 #include "simulation/simulation_plan.h"
+#include "support/compression_fakes.h"
 #include "support/scratch_folder.h"
 
 namespace zq::test {
@@ -104,14 +105,27 @@ class Simulation {
     if (const Status made = files.prepare(); !made.ok()) throw std::runtime_error(made.error().text());
     done.filesBefore = filesIn(done.folder);
     backend::VirtualRuntime runtime(virtualOptions());
+    backend::MemorySettings settings(runtime);
     int looks = 0;
     host::RecaptureRun run(
-        {runtime, runtime.clock(), writers_, console, files, imageAt(path), plan_.deck, done.before, plan_.manual,
-         std::chrono::seconds(1), [&] { return interruptAfter >= 0 && looks++ >= interruptAfter; },
+        {runtime,
+         runtime.clock(),
+         compression_,
+         settings,
+         writers_,
+         console,
+         files,
+         imageAt(path),
+         plan_.deck,
+         done.before,
+         plan_.manual,
+         std::chrono::seconds(1),
+         [&] { return interruptAfter >= 0 && looks++ >= interruptAfter; },
          [](const std::string& movie, const auto& take) { return media::readMovieFrames(movie, take); },
          [this](const host::CatalogueClip& clip, const std::string& movie) {
            return store_->setRecaptured(clip.id, movie);
-         }});
+         },
+         {}});
     done.outcome = run.run();
     letPass(runtime, timeToStand());
     done.deckAtEnd = run.deck().avcTransportControls();
@@ -162,10 +176,17 @@ class Simulation {
     host::ClipFiles files(scratch_.file("captured-" + std::to_string(sessions_)), "dv", kTapeName);
     if (const Status made = files.prepare(); !made.ok()) throw std::runtime_error(made.error().text());
     int looks = 0;
-    host::CaptureRun run(
-        {runtime, runtime.clock(), settings, writers_, console, files, imageAt(path), {}, std::chrono::seconds(1), [&] {
-           return stopAfter >= 0 && looks++ > stopAfter;
-         }});
+    host::CaptureRun run({runtime,
+                          runtime.clock(),
+                          settings,
+                          compression_,
+                          writers_,
+                          console,
+                          files,
+                          imageAt(path),
+                          {},
+                          std::chrono::seconds(1),
+                          [&] { return stopAfter >= 0 && looks++ > stopAfter; }});
     store(files.folder(), run.run().clips);
     std::filesystem::remove(path);
     std::filesystem::remove_all(files.folder());
@@ -181,6 +202,7 @@ class Simulation {
   const SimulationPlan& plan_;
   ScratchFolder scratch_;
   media::MovieWriterFactory writers_;
+  FakeCompression compression_;
   std::unique_ptr<host::CatalogueStore> store_;
   int sessions_ = 0;
 

@@ -82,8 +82,15 @@ class FakeMovieFileOutput final : public platform::QTCaptureMovieFileOutput {
   std::vector<platform::QTCaptureConnection> connections() const override {
     return {{platform::QTMediaTypeVideo}, {platform::QTMediaTypeSound}};
   }
-  void setCompressionOptionsForConnection(std::shared_ptr<const platform::QTCompressionOptions> /*options*/,
-                                          const platform::QTCaptureConnection& /*connection*/) override {}
+  /// Goes into the journal when there is or was compression.
+  void setCompressionOptionsForConnection(std::shared_ptr<const platform::QTCompressionOptions> options,
+                                          const platform::QTCaptureConnection& connection) override {
+    auto& held = compression[connection.mediaType];
+    if (options || held) {
+      journal_.add("compression", connection.mediaType + " " + (options ? options->localizedDisplayName() : "none"));
+    }
+    held = std::move(options);
+  }
 
   /// Tells the delegate of the frame, then writes it if there is a path.
   void deliver(const platform::QTSampleBuffer& frame) {
@@ -101,6 +108,7 @@ class FakeMovieFileOutput final : public platform::QTCaptureMovieFileOutput {
 
   platform::QTCaptureOutputDelegate* delegate = nullptr;
   std::optional<std::string> path;
+  std::map<std::string, std::shared_ptr<const platform::QTCompressionOptions>> compression;  // by media type
   std::map<std::string, std::vector<SharedBytes>> movies;
 
  private:

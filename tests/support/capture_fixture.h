@@ -20,6 +20,7 @@
 #include "support/capture_fakes.h"
 #include "support/capture_journal.h"
 #include "support/capture_recorders.h"
+#include "support/compression_fakes.h"
 #include "support/scratch_folder.h"
 
 namespace zq::test {
@@ -45,7 +46,8 @@ class CaptureTest : public testing::Test {
 
   void makeController() {
     controller_ = std::make_unique<ZQACController>(
-        CaptureServices{runtime_, platform_, settings_, notifications_, alerts_, strings_, log_}, outlets_);
+        CaptureServices{runtime_, platform_, compression_, settings_, notifications_, alerts_, strings_, log_},
+        outlets_);
     controller_->setDelegate(&delegate_.operations);
   }
 
@@ -108,6 +110,7 @@ class CaptureTest : public testing::Test {
   FakeStrings strings_;
   CaptureLog log_;
   FakeCapturePlatform platform_{journal_};
+  FakeCompression compression_;
   RecordingOverlay overlay_{journal_};
   RecordingCaptureView view_{journal_};
   outlets::PlainPopUp configurationPopUp_;

@@ -16,7 +16,8 @@ namespace zq::test {
 /// From any thread. A path that was written before is refused, as on disk.
 class MemoryMovies final : public platform::MovieWriterFactory {
  public:
-  Expected<std::unique_ptr<platform::MovieWriter>> create(const std::string& path) override {
+  Expected<std::unique_ptr<platform::MovieWriter>> create(
+      const std::string& path, const std::shared_ptr<const platform::QTCompressionOptions>& /*compression*/) override {
     const std::lock_guard guard(mutex_);
     if (!movies_.try_emplace(path).second) return Error{path + " exists", "Choose another name."};
     return std::unique_ptr<platform::MovieWriter>(std::make_unique<Writer>(*this, path));

@@ -20,6 +20,7 @@
 #include "support/capture_movies.h"
 #include "support/capture_recorders.h"
 #include "support/capture_tape.h"
+#include "support/compression_fakes.h"
 #include "support/scratch_folder.h"
 
 namespace zq::test {
@@ -36,7 +37,7 @@ class CaptureScenario {
     deck_ = std::make_shared<backend::SimulatedDeck>(runtime_, notifications_, image.value(), options, log);
     outlets_.timecodeView = &overlay;
     controller_ = std::make_unique<ZQACController>(
-        CaptureServices{runtime_, platform_, settings, notifications_, alerts, strings_, log}, outlets_);
+        CaptureServices{runtime_, platform_, compression_, settings, notifications_, alerts, strings_, log}, outlets_);
     controller_->setDelegate(&delegate.operations);
     const auto end = delegate.operations.accontrollerEndRecord;
     delegate.operations.accontrollerEndRecord = [this, end](ZQACController& ended) {
@@ -135,6 +136,7 @@ class CaptureScenario {
 
  private:
   backend::SessionPlatform platform_{runtime_, movies, log, {}};
+  FakeCompression compression_;
   std::shared_ptr<backend::SimulatedDeck> deck_;
   std::unique_ptr<ZQACController> controller_;
   platform::Observation keys_;

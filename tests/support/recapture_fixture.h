@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "backends/settings/memory_settings.h"
 #include "backends/time/virtual_runtime.h"
 #include "platform/notification_center.h"
 #include "recapture/controller.h"
@@ -19,6 +20,7 @@
 #include "support/capture_fakes.h"
 #include "support/capture_journal.h"
 #include "support/capture_recorders.h"
+#include "support/compression_fakes.h"
 #include "support/recapture_recorders.h"
 #include "support/recapture_tape.h"
 
@@ -54,8 +56,10 @@ class RecaptureTest : public testing::Test {
   }
 
   void makeController() {
-    controller_ = std::make_unique<ZQACRecaptureController>(
-        RecaptureServices{runtime_, platform_, notifications_, alerts_, strings_, files_, log_}, outlets_);
+    controller_ =
+        std::make_unique<ZQACRecaptureController>(RecaptureServices{runtime_, platform_, compression_, settings_,
+                                                                    notifications_, alerts_, strings_, files_, log_},
+                                                  outlets_);
     controller_->setDelegate(&delegate_.operations);
   }
 
@@ -123,6 +127,8 @@ class RecaptureTest : public testing::Test {
   CaptureLog log_;
   RecordingFiles files_{journal_};
   FakeCapturePlatform platform_{journal_};
+  FakeCompression compression_;
+  backend::MemorySettings settings_{runtime_};
   RecordingOverlay overlay_{journal_};
   RecordingCaptureView view_{journal_};
   RecordingTimeline timeline_{journal_};

@@ -14,11 +14,13 @@
 
 #include "backends/deck/simulated_deck.h"
 #include "backends/session/session_platform.h"
+#include "backends/settings/memory_settings.h"
 #include "backends/time/virtual_runtime.h"
 #include "outlets/plain_outlets.h"
 #include "recapture/controller.h"
 #include "support/capture_movies.h"
 #include "support/capture_recorders.h"
+#include "support/compression_fakes.h"
 #include "support/recapture_recorders.h"
 #include "support/recapture_tape.h"
 #include "support/scratch_folder.h"
@@ -93,7 +95,8 @@ class RecaptureScenario {
     outlets.timecodeView = &overlay_;
     outlets.messageText = &messageText_;
     controller_ = std::make_unique<ZQACRecaptureController>(
-        RecaptureServices{runtime_, platform_, notifications_, alerts, strings_, files, log}, outlets);
+        RecaptureServices{runtime_, platform_, compression_, settings_, notifications_, alerts, strings_, files, log},
+        outlets);
     controller_->setDelegate(&delegate.operations);
     delegate.onEnd = [this] { runtime_.mainLoop().quit(); };
     controller_->setSelectedVideoDevice(deck_);
@@ -169,6 +172,8 @@ class RecaptureScenario {
  private:
   RecordingTextField messageText_{journal};
   backend::SessionPlatform platform_{runtime_, movies, log, {}};
+  FakeCompression compression_;
+  backend::MemorySettings settings_{runtime_};
   std::shared_ptr<WatchedDeck> deck_;
   std::unique_ptr<ZQACRecaptureController> controller_;
 };

@@ -76,8 +76,10 @@ struct SessionMovie {
 /// Its movies are the writer thread's while one is written; a test reads them when the recorder has finished.
 class SessionMovies : public platform::MovieWriterFactory {
  public:
-  Expected<std::unique_ptr<platform::MovieWriter>> create(const std::string& path) override {
+  Expected<std::unique_ptr<platform::MovieWriter>> create(
+      const std::string& path, const std::shared_ptr<const platform::QTCompressionOptions>& compression) override {
     order.push_back(path);
+    compressions[path] = compression;
     SessionMovie& movie = movies[path];
     if (onCreate) onCreate(path);
     if (movie.failsToCreate) return Error{"Cannot create " + path, "The disk is full."};
@@ -89,6 +91,7 @@ class SessionMovies : public platform::MovieWriterFactory {
   SessionMovie& operator[](const std::string& path) { return movies[path]; }
 
   std::map<std::string, SessionMovie> movies;
+  std::map<std::string, std::shared_ptr<const platform::QTCompressionOptions>> compressions;
   std::vector<std::string> order;  // of creation
   bool keepsBytes = true;
   std::function<void(const std::string& path)> onCreate;

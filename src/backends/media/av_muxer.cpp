@@ -1,10 +1,13 @@
 #include "backends/media/av_muxer.h"
 
+#include "backends/media/av_error.h"
+#include "backends/media/av_handles.h"
 #include "backends/media/av_output.h"
 #include "backends/media/output_file.h"
 #include "dv/dv_constants.h"
 
 extern "C" {
+#include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 #include <libavutil/channel_layout.h>
 #include <libavutil/dict.h>
@@ -13,11 +16,12 @@ extern "C" {
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
-#include <array>
+#include <algorithm>
 #include <cassert>
 #include <cmath>
 #include <ctime>
 #include <new>
+#include <string_view>
 #include <vector>
 
 namespace zq::media {
@@ -44,10 +48,18 @@ std::string utcText(const CalendarDate& date) {
   return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(seconds + kReferenceDateUnixSeconds));
 }
 
-std::string reasonFor(int averror) {
-  std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
-  av_strerror(averror, text.data(), text.size());
-  return text.data();
+bool countsTimecode(const AVFormatContext& movie) {
+  const std::string_view name = movie.oformat->name;
+  return name == "mov" || name == "mp4";
+}
+
+bool isMatroska(const AVFormatContext& movie) {
+  return std::string_view(movie.oformat->name) == "matroska";
+}
+
+/// That of HEVC which keeps its parameters in the head, as they are here; libavformat would choose the other.
+std::uint32_t tagFor(const AVFormatContext& movie, const AVCodecContext& encoder) {
+  return countsTimecode(movie) && encoder.codec_id == AV_CODEC_ID_HEVC ? MKTAG('h', 'v', 'c', '1') : encoder.codec_tag;
 }
 
 }  // namespace
@@ -56,18 +68,24 @@ struct AvMuxer::Context {
   Context(OutputFile& outputFile, const std::string& formatName);
   ~Context() { avformat_free_context(movie); }
 
-  void addPictureStream(const MovieFormat& format);
-  void addSoundStream(int rate, bool isDefault);
+  AVStream& addStream(AVRational units);
   void setMetadata(const MovieFormat& format) const;
   Status write(int streamIndex, std::span<const std::uint8_t> bytes, std::int64_t time, std::int64_t duration);
+  Status writeInStep(AVPacket& encoded);
+  /// Bytes of packets that may not have reached the file.
+  std::int64_t waiting() const { return std::max<std::int64_t>(0, bytesHandedOver - (file.size() - headSize)); }
   /// The file's own error where there is one: it says what to do, libavformat's just that there was one.
   Status resultOf(int averror);
 
   OutputFile& file;
   AvOutput output;
   AVFormatContext* movie = nullptr;
-  AVPacket* packet = nullptr;
+  const Packet packet = newPacket();
   std::int64_t packetsWritten = 0;
+  // Tracks that are out of step wait in libavformat until they are in step.
+  bool putsInStep = false;
+  std::int64_t bytesHandedOver = 0;
+  std::int64_t headSize = 0;
   // By stream, in the units that were asked for (frames, samples), which libavformat may have replaced by its own.
   std::vector<AVRational> timeBases;
   std::vector<std::int64_t> positions;
@@ -79,47 +97,15 @@ AvMuxer::Context::Context(OutputFile& outputFile, const std::string& formatName)
   movie->pb = output.context();
 }
 
-void AvMuxer::Context::addPictureStream(const MovieFormat& format) {
+AVStream& AvMuxer::Context::addStream(AVRational units) {
   AVStream* stream = avformat_new_stream(movie, nullptr);
   if (!stream) throw std::bad_alloc();
-  const bool is625 = format.system == DVSystem::pal625_50;
-  const FrameRate rate = frameRateOf(format.system);
-  AVCodecParameters& picture = *stream->codecpar;
-  picture.codec_type = AVMEDIA_TYPE_VIDEO;
-  picture.codec_id = AV_CODEC_ID_DVVIDEO;
-  picture.format = is625 ? AV_PIX_FMT_YUV420P : AV_PIX_FMT_YUV411P;
-  picture.width = is625 ? COLUMN_COUNT_625_50 : COLUMN_COUNT_525_60;
-  picture.height = is625 ? ROW_COUNT_625_50 : ROW_COUNT_525_60;
-  picture.bit_rate =
-      std::int64_t{8} * static_cast<std::int64_t>(frameSizeOf(format.system)) * rate.numerator / rate.denominator;
-  // Lines of both fields in turn from the top, the bottom one being the earlier in time.
-  picture.field_order = AV_FIELD_BT;
-  picture.sample_aspect_ratio = sampleAspectRatio(format.system, format.wideScreen);
-  stream->sample_aspect_ratio = picture.sample_aspect_ratio;
-  stream->avg_frame_rate = {rate.numerator, rate.denominator};
-  stream->r_frame_rate = stream->avg_frame_rate;
-  stream->time_base = {rate.denominator, rate.numerator};
-  stream->disposition = AV_DISPOSITION_DEFAULT;
-  timeBases.push_back(stream->time_base);
+  stream->time_base = units;
+  // The first track of a kind is the one to play.
+  stream->disposition = movie->nb_streams <= 2 ? AV_DISPOSITION_DEFAULT : 0;
+  timeBases.push_back(units);
   positions.push_back(0);
-}
-
-void AvMuxer::Context::addSoundStream(int rate, bool isDefault) {
-  AVStream* stream = avformat_new_stream(movie, nullptr);
-  if (!stream) throw std::bad_alloc();
-  AVCodecParameters& sound = *stream->codecpar;
-  sound.codec_type = AVMEDIA_TYPE_AUDIO;
-  sound.codec_id = AV_CODEC_ID_PCM_S16LE;
-  sound.format = AV_SAMPLE_FMT_S16;
-  sound.sample_rate = rate;
-  sound.bits_per_coded_sample = 8 * kBytesPerSample;
-  sound.block_align = kStereo * kBytesPerSample;
-  sound.bit_rate = std::int64_t{8} * sound.block_align * rate;
-  av_channel_layout_default(&sound.ch_layout, kStereo);
-  stream->time_base = {1, rate};
-  stream->disposition = isDefault ? AV_DISPOSITION_DEFAULT : 0;
-  timeBases.push_back(stream->time_base);
-  positions.push_back(0);
+  return *stream;
 }
 
 void AvMuxer::Context::setMetadata(const MovieFormat& format) const {
@@ -134,7 +120,7 @@ Status AvMuxer::Context::write(int streamIndex, std::span<const std::uint8_t> by
                                std::int64_t duration) {
   const AVStream& stream = *movie->streams[streamIndex];
   const AVRational units = timeBases[static_cast<std::size_t>(streamIndex)];
-  av_packet_unref(packet);
+  av_packet_unref(packet.get());
   // libavformat reads a packet without a buffer of its own in place; it only lacks the const.
   packet->data = const_cast<std::uint8_t*>(bytes.data());
   packet->size = static_cast<int>(bytes.size());
@@ -143,33 +129,99 @@ Status AvMuxer::Context::write(int streamIndex, std::span<const std::uint8_t> by
   packet->pts = av_rescale_q(time, units, stream.time_base);
   packet->dts = packet->pts;
   packet->duration = av_rescale_q(time + duration, units, stream.time_base) - packet->pts;
+  if (putsInStep) return writeInStep(*packet);
   ++packetsWritten;
-  return resultOf(av_write_frame(movie, packet));
+  return resultOf(av_write_frame(movie, packet.get()));
+}
+
+Status AvMuxer::Context::writeInStep(AVPacket& encoded) {
+  if (Status room = file.reserve(encoded.size + waiting() + kSizePerPacket * (packetsWritten + 1) + kFixedSize);
+      !room.ok()) {
+    return room;
+  }
+  ++packetsWritten;
+  bytesHandedOver += encoded.size;
+  return resultOf(av_interleaved_write_frame(movie, &encoded));
 }
 
 Status AvMuxer::Context::resultOf(int averror) {
   if (averror >= 0) return {};
   Status result = output.flush();
   if (!result.ok()) return result;
-  return Error{fmt::format("Cannot write \"{}\"", file.path()), reasonFor(averror)};
+  return Error{fmt::format("Cannot write \"{}\"", file.path()), avReason(averror)};
 }
 
 AvMuxer::AvMuxer(OutputFile& file, const std::string& formatName)
-    : context_(std::make_unique<Context>(file, formatName)) {
-  context_->packet = av_packet_alloc();
-  if (!context_->packet) throw std::bad_alloc();
+    : context_(std::make_unique<Context>(file, formatName)) {}
+
+AvMuxer::~AvMuxer() = default;
+
+void AvMuxer::addReceivedPicture(const MovieFormat& format) {
+  const bool is625 = format.system == DVSystem::pal625_50;
+  const FrameRate rate = frameRateOf(format.system);
+  AVStream& stream = context_->addStream({rate.denominator, rate.numerator});
+  AVCodecParameters& picture = *stream.codecpar;
+  picture.codec_type = AVMEDIA_TYPE_VIDEO;
+  picture.codec_id = AV_CODEC_ID_DVVIDEO;
+  picture.format = is625 ? AV_PIX_FMT_YUV420P : AV_PIX_FMT_YUV411P;
+  picture.width = is625 ? COLUMN_COUNT_625_50 : COLUMN_COUNT_525_60;
+  picture.height = is625 ? ROW_COUNT_625_50 : ROW_COUNT_525_60;
+  picture.bit_rate =
+      std::int64_t{8} * static_cast<std::int64_t>(frameSizeOf(format.system)) * rate.numerator / rate.denominator;
+  // Lines of both fields in turn from the top, the bottom one being the earlier in time.
+  picture.field_order = AV_FIELD_BT;
+  picture.sample_aspect_ratio = sampleAspectRatio(format.system, format.wideScreen);
+  stream.sample_aspect_ratio = picture.sample_aspect_ratio;
+  stream.avg_frame_rate = {rate.numerator, rate.denominator};
+  stream.r_frame_rate = stream.avg_frame_rate;
 }
 
-AvMuxer::~AvMuxer() {
-  av_packet_free(&context_->packet);
+Status AvMuxer::addEncodedPicture(const AVCodecContext& encoder, DVSystem system) {
+  context_->putsInStep = true;
+  // Only sound begins before 0, with what its encoder needs to start up; Matroska says that in its own way. Moved
+  // behind 0, all of the movie would begin late.
+  if (isMatroska(*context_->movie)) context_->movie->avoid_negative_ts = AVFMT_AVOID_NEG_TS_DISABLED;
+  AVStream& stream = context_->addStream(encoder.time_base);
+  const int result = avcodec_parameters_from_context(stream.codecpar, &encoder);
+  if (result < 0) return context_->resultOf(result);
+  stream.sample_aspect_ratio = encoder.sample_aspect_ratio;
+  stream.codecpar->codec_tag = tagFor(*context_->movie, encoder);
+  const FrameRate tapeRate = frameRateOf(system);
+  // These two say nothing of it anywhere but in the timecode track, which counts what the tape counted.
+  stream.avg_frame_rate =
+      countsTimecode(*context_->movie) ? AVRational{tapeRate.numerator, tapeRate.denominator} : encoder.framerate;
+  return {};
 }
 
-Status AvMuxer::start(const MovieFormat& format) {
-  context_->addPictureStream(format);
-  for (int track = 0; track < format.soundTracks; ++track) context_->addSoundStream(format.soundRate, track == 0);
+void AvMuxer::addPcmSound(int rate) {
+  AVStream& stream = context_->addStream({1, rate});
+  AVCodecParameters& sound = *stream.codecpar;
+  sound.codec_type = AVMEDIA_TYPE_AUDIO;
+  sound.codec_id = AV_CODEC_ID_PCM_S16LE;
+  sound.format = AV_SAMPLE_FMT_S16;
+  sound.sample_rate = rate;
+  sound.bits_per_coded_sample = 8 * kBytesPerSample;
+  sound.block_align = kStereo * kBytesPerSample;
+  sound.bit_rate = std::int64_t{8} * sound.block_align * rate;
+  av_channel_layout_default(&sound.ch_layout, kStereo);
+}
+
+Status AvMuxer::addEncodedSound(const AVCodecContext& encoder) {
+  AVStream& stream = context_->addStream(encoder.time_base);
+  const int result = avcodec_parameters_from_context(stream.codecpar, &encoder);
+  return result < 0 ? context_->resultOf(result) : Status();
+}
+
+bool AvMuxer::wantsGlobalHeader() const {
+  return (context_->movie->oformat->flags & AVFMT_GLOBALHEADER) != 0;
+}
+
+Status AvMuxer::writeHead(const MovieFormat& format) {
   context_->setMetadata(format);
   const int result = avformat_write_header(context_->movie, nullptr);
-  return result < 0 ? context_->resultOf(result) : flush();
+  Status written = result < 0 ? context_->resultOf(result) : flush();
+  context_->headSize = context_->file.size();
+  return written;
 }
 
 Status AvMuxer::writePicture(std::span<const std::uint8_t> frame) {
@@ -186,7 +238,16 @@ Status AvMuxer::writeSound(int track, std::span<const std::int16_t> samples) {
   return context_->write(1 + track, bytes, time, count);
 }
 
+Status AvMuxer::writeEncoded(int stream, AVPacket& packet) {
+  Context& c = *context_;
+  packet.stream_index = stream;
+  av_packet_rescale_ts(&packet, c.timeBases[static_cast<std::size_t>(stream)], c.movie->streams[stream]->time_base);
+  return c.writeInStep(packet);
+}
+
 Status AvMuxer::flush() {
+  // Clusters of its own size are what players of Matroska seek by; what waits for them is little when it is encoded.
+  if (context_->putsInStep) return context_->output.flush();
   // Matroska keeps a cluster in memory until it is told otherwise.
   const int result = av_write_frame(context_->movie, nullptr);
   if (result < 0) return context_->resultOf(result);
@@ -199,7 +260,7 @@ Status AvMuxer::finish() {
 }
 
 std::int64_t AvMuxer::indexSize() const {
-  return kFixedSize + kSizePerPacket * context_->packetsWritten;
+  return kFixedSize + kSizePerPacket * context_->packetsWritten + (context_->putsInStep ? context_->waiting() : 0);
 }
 
 }  // namespace zq::media

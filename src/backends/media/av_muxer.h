@@ -1,5 +1,5 @@
 #pragma once
-// One movie file of libavformat: a DV picture track and tracks of stereo sound beside it.
+// One movie file of libavformat: a track of pictures and tracks of stereo sound beside it.
 
 #include <cstdint>
 #include <memory>
@@ -9,6 +9,9 @@
 #include "base/calendar_date.h"
 #include "base/status.h"
 #include "dv/dv_system.h"
+
+struct AVCodecContext;
+struct AVPacket;
 
 namespace zq::media {
 
@@ -26,23 +29,36 @@ struct MovieFormat {
   DateValue recordingDate;
 };
 
+/// Tracks are added, the picture's first; then the head is written, then what the tracks hold.
 class AvMuxer {
  public:
   /// `formatName` is libavformat's name of the container. `file` outlives the muxer.
   AvMuxer(OutputFile& file, const std::string& formatName);
   ~AvMuxer();
 
-  /// Writes the head. Comes first.
-  Status start(const MovieFormat& format);
+  /// DV as received, whose pictures are written in step with their sound.
+  void addReceivedPicture(const MovieFormat& format);
+  /// What this encoder makes of the pictures of a tape of `system`. It comes out later than it went in, so tracks are
+  /// put in step here.
+  Status addEncodedPicture(const AVCodecContext& encoder, DVSystem system);
+  void addPcmSound(int rate);
+  Status addEncodedSound(const AVCodecContext& encoder);
+  /// Whether encoders must keep their parameters out of the packets.
+  bool wantsGlobalHeader() const;
+  Status writeHead(const MovieFormat& format);
+
   /// The next picture, as received; its bytes are not copied.
   Status writePicture(std::span<const std::uint8_t> frame);
-  /// Interleaved stereo samples that follow the track's earlier ones.
+  /// Interleaved stereo samples that follow the track's earlier ones, as PCM.
   Status writeSound(int track, std::span<const std::int16_t> samples);
-  /// Everything written so far reaches the file.
+  /// What an encoder made, with times in its units. A packet that the disk has no room for is an error and changes
+  /// nothing. The packet is empty afterwards.
+  Status writeEncoded(int stream, AVPacket& packet);
+  /// Everything written so far reaches the file; of encoded tracks, what is in step already.
   Status flush();
   /// Writes the index. No call follows.
   Status finish();
-  /// No less than what flush() and finish() will write beyond the bytes of pictures and sound.
+  /// No less than what flush() and finish() will write beyond the bytes that are yet to be handed over.
   std::int64_t indexSize() const;
 
  private:

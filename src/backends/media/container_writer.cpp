@@ -28,8 +28,9 @@ constexpr std::int64_t kIndexBytesPerFrame = 256;
 
 }  // namespace
 
-ContainerWriter::ContainerWriter(std::unique_ptr<OutputFile> file, const std::string& formatName, Log* log)
-    : file_(std::move(file)), muxer_(*file_, formatName), log_(log) {}
+ContainerWriter::ContainerWriter(std::unique_ptr<OutputFile> file, const std::string& formatName,
+                                 const MakeTracks& makeTracks, Log* log)
+    : file_(std::move(file)), muxer_(*file_, formatName), tracks_(makeTracks(file_->path(), muxer_)), log_(log) {}
 
 Status ContainerWriter::append(const QTSampleBuffer& frame) {
   if (broken_) return *broken_;
@@ -70,11 +71,13 @@ Status ContainerWriter::finish() {
   return complete();
 }
 
-/// The index first, whatever happened before: it is what makes the frames a movie.
+/// The index whatever happened before: it is what makes the frames a movie.
 Status ContainerWriter::complete() {
+  Status drained = tracks_->finish();
   Status finished = muxer_.finish();
   Status closed = file_->close();
   if (broken_) return *broken_;
+  if (!drained.ok()) return drained;
   return finished.ok() ? closed : finished;
 }
 
@@ -95,7 +98,7 @@ MovieFormat ContainerWriter::formatFor(MovieSoundFormat sound) const {
 
 Status ContainerWriter::start(MovieSoundFormat sound) {
   Status started = file_->reserve(muxer_.indexSize());
-  if (started.ok()) started = muxer_.start(formatFor(sound));
+  if (started.ok()) started = tracks_->start(formatFor(sound));
   if (!started.ok()) {
     broken_ = started.error();
     return started;
@@ -115,26 +118,18 @@ Status ContainerWriter::writeHeldFrames() {
 }
 
 Status ContainerWriter::writeFrame(const QTSampleBuffer& frame) {
-  const auto size = static_cast<std::int64_t>(frame.lengthForAllSamples());
+  const std::int64_t size = tracks_->sizeWithNext(frame.lengthForAllSamples());
   const std::int64_t soundSize = soundFormat_.tracks * kMostSoundBytesPerFrame;
-  // Nothing of a frame that does not fit has reached the muxer, whose index would name it.
+  // Nothing of a frame that does not fit has reached the tracks, whose index would name it.
   Status result = file_->reserve(size + soundSize + muxer_.indexSize());
   if (!result.ok()) return result;
-  result = writeTracks(frame.bytesForAllSamples.bytes());
+  // The sound is read first: that touches the whole frame, and the write of one that is not in memory yet then finds it
+  // there instead of stumbling over each of its pages.
+  reportSound(sound_->take(frame.bytesForAllSamples.bytes()));
+  result = tracks_->write(frame.bytesForAllSamples.bytes(), *sound_);
   if (!result.ok()) broken_ = result.error();
   if (result.ok()) ++framesWritten_;
   return result;
-}
-
-Status ContainerWriter::writeTracks(std::span<const std::uint8_t> frame) {
-  // The sound is read first: that touches the whole frame, and the write of one that is not in memory yet then finds it
-  // there instead of stumbling over each of its pages.
-  reportSound(sound_->take(frame));
-  Status result = muxer_.writePicture(frame);
-  for (int track = 0; result.ok() && track < soundFormat_.tracks; ++track) {
-    result = muxer_.writeSound(track, sound_->track(track));
-  }
-  return result.ok() ? muxer_.flush() : result;
 }
 
 void ContainerWriter::reportSound(MovieSound::Source source) {
@@ -143,8 +138,9 @@ void ContainerWriter::reportSound(MovieSound::Source source) {
   log_->write(
       LogLevel::warning,
       fmt::format("\"{}\", frame {}: the sound changes from {} Hz, {} stereo track(s), which a movie cannot do; "
-                  "what does not fit is silent in it. The DV picture track still has all of it.",
-                  file_->path(), framesWritten_, soundFormat_.rate, soundFormat_.tracks));
+                  "what does not fit is silent in it.{}",
+                  file_->path(), framesWritten_, soundFormat_.rate, soundFormat_.tracks,
+                  tracks_->keepReceived() ? " The DV picture track still has all of it." : ""));
 }
 
 }  // namespace zq::media

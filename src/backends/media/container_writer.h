@@ -1,8 +1,8 @@
 #pragma once
-// Writes a clip into a movie container: its DV stream as received, and its sound once more as PCM tracks, which is what
-// editing programs read.
+// Writes a clip into a movie container: what its tracks make of its frames.
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -11,6 +11,7 @@
 
 #include "backends/media/av_muxer.h"
 #include "backends/media/movie_sound.h"
+#include "backends/media/movie_tracks.h"
 #include "backends/media/output_file.h"
 #include "base/log.h"
 #include "platform/movie_writer.h"
@@ -21,8 +22,11 @@ namespace zq::media {
 /// its index nor leaves a torn frame in it. finish() deletes a file that has no frame, and that is no error.
 class ContainerWriter : public platform::MovieWriter {
  public:
+  using MakeTracks = std::function<std::unique_ptr<MovieTracks>(const std::string& path, AvMuxer& muxer)>;
+
   /// `formatName` is libavformat's name of the container. `log` may be null and outlives the writer.
-  ContainerWriter(std::unique_ptr<OutputFile> file, const std::string& formatName, Log* log);
+  ContainerWriter(std::unique_ptr<OutputFile> file, const std::string& formatName, const MakeTracks& makeTracks,
+                  Log* log);
 
   Status append(const platform::QTSampleBuffer& frame) override;
   Status finish() override;
@@ -33,12 +37,12 @@ class ContainerWriter : public platform::MovieWriter {
   MovieFormat formatFor(MovieSoundFormat sound) const;
   Status start(MovieSoundFormat sound);
   Status writeFrame(const platform::QTSampleBuffer& frame);
-  Status writeTracks(std::span<const std::uint8_t> frame);
   void reportSound(MovieSound::Source source);
   Status complete();
 
   const std::unique_ptr<OutputFile> file_;
   AvMuxer muxer_;
+  const std::unique_ptr<MovieTracks> tracks_;
   Log* const log_;
 
   std::optional<DVSystem> system_;

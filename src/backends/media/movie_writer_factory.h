@@ -9,15 +9,21 @@
 
 namespace zq::media {
 
-/// .mov, .avi and .mkv are movies with picture and sound tracks, .dv is the raw stream; upper case is as good.
+class MovieCompression;
+
+/// .mov, .avi, .mkv and .mp4 are movies with picture and sound tracks, .dv is the raw stream; upper case is as good.
+/// Not every one takes every compression: .mp4 takes no DV, .dv nothing else.
 class MovieWriterFactory : public platform::MovieWriterFactory {
  public:
   /// `log` may be null and outlives the factory and its writers.
-  explicit MovieWriterFactory(Log* log = nullptr) : log_(log) {}
+  explicit MovieWriterFactory(Log* log = nullptr);
 
-  Expected<std::unique_ptr<platform::MovieWriter>> create(const std::string& path) override;
+  Expected<std::unique_ptr<platform::MovieWriter>> create(
+      const std::string& path, const std::shared_ptr<const platform::QTCompressionOptions>& compression) override;
 
  private:
+  void reportWithoutSettings(const std::string& path, const MovieCompression& compression) const;
+
   Log* const log_;
 };
 

@@ -53,7 +53,8 @@ void MovieFileOutput::recordToOutputFileURL(const std::optional<std::string>& pa
   path_ = path;
   fileFrameSize_ = 0;
   continuations_ = 0;
-  if (path_) recorder_.open(*path_);
+  fileCompression_ = compression_;
+  if (path_) recorder_.open(*path_, fileCompression_);
 }
 
 std::optional<std::string> MovieFileOutput::outputFileURL() const {
@@ -65,9 +66,12 @@ std::vector<QTCaptureConnection> MovieFileOutput::connections() const {
   return {{platform::QTMediaTypeVideo}, {platform::QTMediaTypeSound}};
 }
 
-// Frames are written as received, which is what no options ask for; encoders come with the compression choices.
-void MovieFileOutput::setCompressionOptionsForConnection(
-    std::shared_ptr<const platform::QTCompressionOptions> /*options*/, const QTCaptureConnection& /*connection*/) {}
+void MovieFileOutput::setCompressionOptionsForConnection(std::shared_ptr<const platform::QTCompressionOptions> options,
+                                                         const QTCaptureConnection& connection) {
+  if (connection.mediaType != platform::QTMediaTypeVideo) return;
+  const std::lock_guard guard(*mutex_);
+  compression_ = std::move(options);
+}
 
 void MovieFileOutput::consume(const QTSampleBuffer& frame, bool sourceCanWait) {
   tellDelegate(frame);
@@ -114,7 +118,7 @@ void MovieFileOutput::writePending() {
   if (fileFrameSize_ != 0 && fileFrameSize_ != frameSize) {
     ++continuations_;
     recorder_.close();
-    recorder_.open(continuationPath(*path_, continuations_ + 1));
+    recorder_.open(continuationPath(*path_, continuations_ + 1), fileCompression_);
   }
   fileFrameSize_ = frameSize;
   recorder_.push(*pending_, pendingMayBeDropped_);

@@ -29,6 +29,7 @@ class MovieFileOutput : public platform::QTCaptureMovieFileOutput, public FrameC
   void recordToOutputFileURL(const std::optional<std::string>& path) override;
   std::optional<std::string> outputFileURL() const override;
   std::vector<platform::QTCaptureConnection> connections() const override;
+  /// Holds for the files that are opened from then on. Pictures only: the sound goes with them.
   void setCompressionOptionsForConnection(std::shared_ptr<const platform::QTCompressionOptions> options,
                                           const platform::QTCaptureConnection& connection) override;
   void consume(const platform::QTSampleBuffer& frame, bool sourceCanWait) override;
@@ -57,6 +58,8 @@ class MovieFileOutput : public platform::QTCaptureMovieFileOutput, public FrameC
   std::atomic<platform::QTCaptureOutputDelegate*> delegate_ = nullptr;
 
   // Guarded by mutex_.
+  std::shared_ptr<const platform::QTCompressionOptions> compression_;      // null for none
+  std::shared_ptr<const platform::QTCompressionOptions> fileCompression_;  // of the open file and what carries it on
   std::optional<std::string> path_;
   std::size_t fileFrameSize_ = 0;  // of the frames in the open file; 0 before the first
   int continuations_ = 0;          // files that followed the open one under its own name

@@ -44,18 +44,19 @@ void MovieRecorder::finish() {
   thread_.reset();
 }
 
-void MovieRecorder::open(const std::string& path) {
-  queueChange({Item::Kind::open, {}, path, 0});
+void MovieRecorder::open(const std::string& path, std::shared_ptr<const platform::QTCompressionOptions> compression) {
+  queueChange({Item::Kind::open, {}, path, std::move(compression), 0});
 }
 
 void MovieRecorder::close() {
-  queueChange({Item::Kind::close, {}, {}, 0});
+  queueChange({Item::Kind::close, {}, {}, nullptr, 0});
 }
 
 // Changes of file are never dropped, and they are done at once: somebody waits for the file that they end.
 void MovieRecorder::queueChange(Item item) {
   const std::lock_guard guard(*mutex_);
   item.droppedBefore = std::exchange(droppedSinceChange_, 0);
+  compresses_ = item.compression != nullptr;
   queue_.push_back(std::move(item));
   urgent_ = true;
   workArrived_->notifyAll();
@@ -72,12 +73,13 @@ void MovieRecorder::push(const QTSampleBuffer& frame, bool mayBeDropped) {
     ++dropped_;
     ++droppedSinceChange_;
     log_.write(LogLevel::warning,
-               fmt::format("Frame {} dropped: the disk does not keep up",
-                           frame.smpteTime ? timecodeText(*frame.smpteTime) : std::string("without a timecode")));
+               fmt::format("Frame {} dropped: the {} does not keep up",
+                           frame.smpteTime ? timecodeText(*frame.smpteTime) : std::string("without a timecode"),
+                           compresses_ ? "compression" : "disk"));
     return;
   }
   ++heldFrames_;
-  queue_.push_back({Item::Kind::frame, frame, {}, 0});
+  queue_.push_back({Item::Kind::frame, frame, {}, nullptr, 0});
   if (queue_.size() >= batchItems_) workArrived_->notifyAll();
 }
 
@@ -89,6 +91,11 @@ std::int64_t MovieRecorder::recordedFrames() const {
 std::int64_t MovieRecorder::droppedFrames() const {
   const std::lock_guard guard(*mutex_);
   return dropped_;
+}
+
+std::size_t MovieRecorder::heldFrames() const {
+  const std::lock_guard guard(*mutex_);
+  return heldFrames_;
 }
 
 void MovieRecorder::run() {
@@ -135,12 +142,12 @@ void MovieRecorder::write(std::span<const Item> items) {
 
 void MovieRecorder::changeFile(const Item& item) {
   finishFile(item.droppedBefore);
-  if (item.kind == Item::Kind::open) startFile(item.path);
+  if (item.kind == Item::Kind::open) startFile(item);
 }
 
-void MovieRecorder::startFile(const std::string& path) {
-  file_ = FinishedFile{path, 0, 0, std::nullopt};
-  auto writer = writers_.create(path);
+void MovieRecorder::startFile(const Item& item) {
+  file_ = FinishedFile{item.path, 0, 0, std::nullopt};
+  auto writer = writers_.create(item.path, item.compression);
   if (writer.ok()) {
     writer_ = std::move(writer.value());
   } else {

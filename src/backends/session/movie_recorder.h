@@ -47,8 +47,8 @@ class MovieRecorder {
   void finish();
 
   // From any thread.
-  /// What is pushed from now on goes to this file.
-  void open(const std::string& path);
+  /// What is pushed from now on goes to this file; as received without `compression`.
+  void open(const std::string& path, std::shared_ptr<const platform::QTCompressionOptions> compression = nullptr);
   void close();
   /// Returns when push() will not drop the next frame of the calling thread, the only one that pushes.
   void waitForSpace();
@@ -57,6 +57,9 @@ class MovieRecorder {
   void push(const platform::QTSampleBuffer& frame, bool mayBeDropped = true);
   std::int64_t recordedFrames() const;
   std::int64_t droppedFrames() const;
+  /// How many frames wait or are being written; not more than capacity(), but for those that may not be dropped.
+  std::size_t heldFrames() const;
+  std::size_t capacity() const { return queueFrames_; }
 
  private:
   /// A frame, or a change of file: `open` with a path, or a close.
@@ -64,6 +67,7 @@ class MovieRecorder {
     enum class Kind { frame, open, close } kind;
     platform::QTSampleBuffer frame;
     std::string path;
+    std::shared_ptr<const platform::QTCompressionOptions> compression;
     std::int64_t droppedBefore = 0;  // frames of the file that the change ends
   };
 
@@ -73,7 +77,7 @@ class MovieRecorder {
   std::int64_t takeDropped();
   void write(std::span<const Item> items);
   void changeFile(const Item& item);
-  void startFile(const std::string& path);
+  void startFile(const Item& item);
   std::size_t appendFrames(std::span<const Item> items);
   void finishFile(std::int64_t droppedFromQueue);
   void fail(const Error& error);
@@ -97,6 +101,7 @@ class MovieRecorder {
   std::int64_t recorded_ = 0;
   std::int64_t dropped_ = 0;
   std::int64_t droppedSinceChange_ = 0;  // since the last change of file was queued
+  bool compresses_ = false;              // in the file that was opened last
 
   // Writer thread only.
   std::unique_ptr<platform::MovieWriter> writer_;

@@ -1,5 +1,6 @@
 #include "backends/session/session_platform.h"
 
+#include <algorithm>
 #include <atomic>
 #include <utility>
 
@@ -79,6 +80,12 @@ SessionPlatform::FrameCounts SessionPlatform::frameCounts() const {
     counts.dropped += output->recorder().droppedFrames();
   }
   return counts;
+}
+
+SessionPlatform::QueueLevel SessionPlatform::queueLevel() const {
+  QueueLevel level{0, queueFrames_};
+  for (const auto& output : fileOutputs_) level.held = std::max(level.held, output->recorder().heldFrames());
+  return level;
 }
 
 }  // namespace zq::backend

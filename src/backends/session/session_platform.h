@@ -53,6 +53,13 @@ class SessionPlatform : public platform::CapturePlatform {
   /// Over all outputs that it made. From any thread.
   FrameCounts frameCounts() const;
 
+  struct QueueLevel {
+    std::size_t held = 0;
+    std::size_t capacity = 0;
+  };
+  /// Of the output whose movie queue is fullest. From any thread.
+  QueueLevel queueLevel() const;
+
  private:
   // Constant after construction.
   platform::Runtime& runtime_;

@@ -9,11 +9,14 @@
 #include "host/capture_command.h"
 #include "host/catalogue_command.h"
 #include "host/catalogue_command_options.h"
+#include "host/compression_command_options.h"
+#include "host/config_command.h"
 #include "host/console.h"
 #include "host/devices_command.h"
 #include "host/exit_codes.h"
 #include "host/inspect_command.h"
 #include "host/make_tape_command.h"
+#include "host/presets_command.h"
 #include "host/recapture_command.h"
 #include "host/setting_options.h"
 
@@ -52,9 +55,9 @@ void addCapture(CLI::App& app, CaptureOptions& options) {
   CLI::App* command = app.add_subcommand("capture", "Capture a tape into clips, cut where the recording date jumps");
   command->add_option("--device", options.device, "tape:PATH plays a tape image")->required();
   command->add_option("--output", options.output, "Folder for the clips; made if need be")->required();
-  command->add_option("--format", options.format, "Movie files: mov, avi, mkv or dv")
-      ->check(CLI::IsMember({"mov", "avi", "mkv", "dv"}))
-      ->capture_default_str();
+  addFormat(*command, options.format);
+  addConfiguration(*command, options.compression);
+  addCompression(*command, options.compression);
   command->add_flag("--real-time", options.realTime, "At the deck's own pace, not as fast as the machine can");
   command->add_option("--set", options.settings, "KEY=VALUE: a setting for this run, repeatable")
       ->expected(1)
@@ -68,10 +71,14 @@ void addCapture(CLI::App& app, CaptureOptions& options) {
       ->needs(catalogue);
   command->footer("Settings for --set:\n" + settingsHelp() +
                   "\n"
+                  "Keys and values for --custom: deckhand presets --help\n"
+                  "\n"
                   "Examples:\n"
                   "  deckhand capture --device tape:holiday.dv --output clips\n"
                   "  deckhand capture --device tape:holiday.dv --output clips --format mkv --json\n"
                   "  deckhand capture --device tape:holiday.dv --output clips --set sampleInterval=3\n"
+                  "  deckhand capture --device tape:holiday.dv --output clips --compression h.264 --real-time\n"
+                  "  deckhand capture --device tape:holiday.dv --output clips --config archive\n"
                   "  deckhand capture --device tape:holiday.dv --output clips --catalogue tapes.db --tape \"Tape 7\"\n"
                   "  deckhand capture --device tape:holiday.dv --output pictures --set captureMovie=false");
 }
@@ -87,9 +94,9 @@ void addRecapture(CLI::App& app, RecaptureOptions& options) {
       ->required()
       ->check(notEmpty());
   command->add_option("--output", options.output, "Folder for the movies; made if need be")->required();
-  command->add_option("--format", options.format, "Movie files: mov, avi, mkv or dv")
-      ->check(CLI::IsMember({"mov", "avi", "mkv", "dv"}))
-      ->capture_default_str();
+  addFormat(*command, options.format);
+  addConfiguration(*command, options.compression);
+  addCompression(*command, options.compression);
   command->add_flag("--manual", options.manual,
                     "You move the tape to a session's place; its marked clips are captured");
   command->add_flag("--real-time", options.realTime, "At the deck's own pace, not as fast as the machine can");
@@ -97,7 +104,9 @@ void addRecapture(CLI::App& app, RecaptureOptions& options) {
   command->footer(
       "Examples:\n"
       "  deckhand catalogue mark --catalogue tapes.db --clip 3 --clip 7\n"
-      "  deckhand recapture --device tape:holiday.dv --catalogue tapes.db --tape holiday --output again");
+      "  deckhand recapture --device tape:holiday.dv --catalogue tapes.db --tape holiday --output again\n"
+      "  deckhand recapture --device tape:holiday.dv --catalogue tapes.db --tape holiday --output again "
+      "--compression h.264");
 }
 
 void addMakeTape(CLI::App& app, MakeTapeOptions& options) {
@@ -139,6 +148,8 @@ struct Options {
   MakeTapeOptions makeTape;
   RecaptureOptions recapture;
   CatalogueCommandOptions catalogue;
+  PresetsOptions presets;
+  ConfigCommandOptions config;
 };
 
 int runCommand(const CLI::App& app, const Options& options) {
@@ -148,6 +159,8 @@ int runCommand(const CLI::App& app, const Options& options) {
   if (app.got_subcommand("capture")) return runCapture(options.capture, console);
   if (app.got_subcommand("recapture")) return runRecapture(options.recapture, console);
   if (app.got_subcommand("catalogue")) return runCatalogue(options.catalogue, console);
+  if (app.got_subcommand("presets")) return runPresets(options.presets, console);
+  if (app.got_subcommand("config")) return runConfig(options.config, console);
   return runMakeTape(options.makeTape, console);
 }
 
@@ -184,6 +197,8 @@ int run(int argc, char** argv) {
   addRecapture(app, options.recapture);
   addMakeTape(app, options.makeTape);
   addCatalogue(app, options.catalogue);
+  addPresets(app, options.presets);
+  addConfig(app, options.config);
   const int exitCode = parseAndRun(app, options, argc, argv);
   if (outputArrived()) return exitCode;
   Console(false).error({"Cannot write the output", "The disk may be full, or its reader has gone."});

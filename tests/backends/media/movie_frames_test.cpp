@@ -25,7 +25,7 @@ using test::timecodeOf;
 using testing::HasSubstr;
 
 void write(const Clip& clip, const std::string& path) {
-  auto writer = MovieWriterFactory(nullptr).create(path);
+  auto writer = MovieWriterFactory(nullptr).create(path, nullptr);
   ASSERT_TRUE(writer.ok()) << writer.error().text();
   for (const auto& frame : clip) ASSERT_TRUE(writer.value()->append(frame).ok());
   ASSERT_TRUE(writer.value()->finish().ok());

@@ -16,12 +16,20 @@ extern "C" {
 
 namespace zq::test {
 
+struct ReadColor {
+  AVColorPrimaries primaries = AVCOL_PRI_UNSPECIFIED;
+  AVColorTransferCharacteristic transfer = AVCOL_TRC_UNSPECIFIED;
+  AVColorSpace matrix = AVCOL_SPC_UNSPECIFIED;
+  AVColorRange range = AVCOL_RANGE_UNSPECIFIED;
+};
+
 struct ReadTrack {
   AVCodecID codec = AV_CODEC_ID_NONE;
   std::string tag;
   AVRational frameRate{};
   AVRational sampleAspect{};
   AVFieldOrder fieldOrder = AV_FIELD_UNKNOWN;
+  ReadColor color;
   int width = 0;
   int height = 0;
   int sampleRate = 0;
@@ -76,6 +84,7 @@ inline ReadTrack describe(const AVStream& stream) {
   track.sampleAspect =
       stream.sample_aspect_ratio.num != 0 ? stream.sample_aspect_ratio : parameters.sample_aspect_ratio;
   track.fieldOrder = parameters.field_order;
+  track.color = {parameters.color_primaries, parameters.color_trc, parameters.color_space, parameters.color_range};
   track.width = parameters.width;
   track.height = parameters.height;
   track.sampleRate = parameters.sample_rate;

@@ -46,7 +46,7 @@ constexpr DVSystem kNtsc = DVSystem::ntsc525_60;
 constexpr DVSystem kPal = DVSystem::pal625_50;
 
 std::unique_ptr<MovieWriter> writerFor(const std::string& path, Log* log = nullptr) {
-  auto writer = MovieWriterFactory(log).create(path);
+  auto writer = MovieWriterFactory(log).create(path, nullptr);
   EXPECT_TRUE(writer.ok()) << writer.error().text();
   return std::move(writer.value());
 }
@@ -424,7 +424,7 @@ TEST(RawMovie, IsGoneWhenItGotNoFrame) {
 TEST(MovieWriterFactory, RefusesAnExtensionThatNamesNoFormat) {
   const ScratchFolder folder;
   for (const char* name : {"a.mp4", "a", "a.mov.txt", ".mov"}) {
-    const auto writer = MovieWriterFactory().create(folder.file(name));
+    const auto writer = MovieWriterFactory().create(folder.file(name), nullptr);
     ASSERT_FALSE(writer.ok()) << name;
     EXPECT_THAT(writer.error().text(), AllOf(HasSubstr(folder.file(name)), HasSubstr(".mkv")));
   }
@@ -433,21 +433,21 @@ TEST(MovieWriterFactory, RefusesAnExtensionThatNamesNoFormat) {
 
 TEST(MovieWriterFactory, TakesExtensionsInUpperCase) {
   const ScratchFolder folder;
-  EXPECT_TRUE(MovieWriterFactory().create(folder.file("A.MOV")).ok());
+  EXPECT_TRUE(MovieWriterFactory().create(folder.file("A.MOV"), nullptr).ok());
 }
 
 TEST(MovieWriterFactory, LeavesAnExistingFileAsItIs) {
   const ScratchFolder folder;
   for (const char* name : {"a.mov", "a.dv"}) {
     std::ofstream(folder.file(name)) << "precious";
-    EXPECT_FALSE(MovieWriterFactory().create(folder.file(name)).ok());
+    EXPECT_FALSE(MovieWriterFactory().create(folder.file(name), nullptr).ok());
     EXPECT_EQ(std::filesystem::file_size(folder.file(name)), 8U);
   }
 }
 
 TEST(MovieWriterFactory, TellsAtOnceThatAFolderIsMissing) {
   const ScratchFolder folder;
-  const auto writer = MovieWriterFactory().create(folder.file("none/a.mov"));
+  const auto writer = MovieWriterFactory().create(folder.file("none/a.mov"), nullptr);
   ASSERT_FALSE(writer.ok());
   EXPECT_THAT(writer.error().text(), HasSubstr(folder.file("none/a.mov")));
 }
