@@ -36,7 +36,7 @@ void CompressionChoices::add(CompressionValue options) {
 }
 
 CompressionValue CompressionChoices::select(int index) {
-  if (index < 0 || index >= static_cast<int>(all_.size())) {
+  if (!has(index)) {
     log_.write(LogLevel::warning,
                fmt::format("There is no compression number {}: movies are written as received. Choose one of 0 to {}.",
                            index, all_.size() - 1));

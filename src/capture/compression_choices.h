@@ -30,6 +30,7 @@ class CompressionChoices {
   /// Selects the item of this index and returns what it stands for. A preset that was stored on another machine may be
   /// missing here: the first item, as received, takes the place of an index that is none.
   CompressionValue select(int index);
+  bool has(int index) const { return index >= 0 && index < static_cast<int>(all_.size()); }
   CompressionValue selectLast() { return select(static_cast<int>(all_.size()) - 1); }
   /// Of the pop-up's item, which the user may have selected.
   int indexOfSelectedItem() const;

@@ -158,6 +158,7 @@ class ZQACController : public platform::QTCaptureOutputDelegate {
   void observeValueForKeyPath() const;
   void showTransportOnButtons();
   Configuration selectedConfiguration() const;
+  void chooseCompression(int index);
   void applyCompressionOf(const Configuration& configuration);
   bool isAboutControllableDevice(const platform::Notification& notification) const;
 

@@ -23,7 +23,16 @@ void ZQACController::buildVideoCompressionOptions() {
   keys_.willChangeValueForKey(kAllVideoCompressionOptions);
   compressionChoices_.build(compressionChoices_.presetCount());
   keys_.didChangeValueForKey(kAllVideoCompressionOptions);
-  setVideoCompressionOptions(compressionChoices_.select(store_.integerForKey(ZQACCaptureCompression)));
+  chooseCompression(store_.integerForKey(ZQACCaptureCompression));
+}
+
+// An index that is none here stays stored: the encoder may be back another day.
+void ZQACController::chooseCompression(int index) {
+  const bool exists = compressionChoices_.has(index);
+  setVideoCompressionOptions(compressionChoices_.select(index));
+  if (!exists && store_.integerForKey(ZQACCaptureCompression) != index) {
+    store_.setIntegerForKey(ZQACCaptureCompression, index);
+  }
 }
 
 void ZQACController::setVideoCompressionOptions(CompressionValue options) {
@@ -101,7 +110,7 @@ void ZQACController::changeConfiguration() {
 // the user has to choose anew.
 void ZQACController::applyCompressionOf(const Configuration& configuration) {
   if (const auto index = integerIn(configuration, ZQACConfCompression)) {
-    setVideoCompressionOptions(compressionChoices_.select(*index));
+    chooseCompression(*index);
   }
   applyCompressionSettings(configuration, store_);
   const auto oldFormat = integerIn(configuration, ZQACCaptureOldCompression);

@@ -26,8 +26,8 @@ constexpr std::int64_t kVersion = 1;
 enum class Kind { text, boolean, integer, interval, data };
 
 struct KeyRule {
-  const char* key;
-  Kind kind;
+  const char* key = "";
+  Kind kind = Kind::text;
   std::int64_t low = 0;
   std::int64_t high = 0;
 };

@@ -79,6 +79,7 @@ TEST_F(CompressionChoice, AStoredIndexThatIsNoneMeansAsReceivedAndIsTold) {
     controller_->buildVideoCompressionOptions();
     EXPECT_FALSE(controller_->isCompressed());
     EXPECT_EQ(compressionPopUp_.indexOfSelectedItem(), 0);
+    EXPECT_EQ(storedIndex(), index) << "the encoder may be back another day";
   }
   EXPECT_THAT(log_.messages(LogLevel::warning), SizeIs(3));
 }
@@ -129,6 +130,39 @@ TEST_F(CompressionChoice, StopsTheRunningSessionAndStartsItAgain) {
   choose(kSharing);
   EXPECT_THAT(linesOf({"session", "compression"}),
               ElementsAre("session: stop", "compression: vide preset sharing", "session: start"));
+}
+
+TEST_F(CompressionChoice, AStoredIndexThatIsNoneStaysStoredAtTheStart) {
+  settings_.setIntegerForKey(ZQACCaptureCompression, 9);
+  controller_.reset();
+  platform_.parts = {};
+  makeController();
+  EXPECT_FALSE(controller_->isCompressed());
+  EXPECT_EQ(storedIndex(), 9);
+}
+
+TEST_F(CompressionChoice, AStoppedSessionWithAnInputIsStarted) {
+  selectDevice(platform::AVCTransportControls{0, 0});
+  controller_->stopDevice();
+  ASSERT_FALSE(platform_.parts.running);
+  journal_.clear();
+  choose(kSharing);
+  EXPECT_THAT(linesOf({"session", "compression"}), ElementsAre("compression: vide preset sharing", "session: start"));
+}
+
+TEST_F(CompressionChoice, CustomThatFailsIsAppliedWithoutASessionAndTold) {
+  storeCustomData();
+  compression_.script.copyError = -4;
+  choose(kCustom);
+  ASSERT_NE(applied(), nullptr);
+  EXPECT_EQ(compression_.made->session, nullptr);
+  EXPECT_THAT(log_.messages(), ElementsAre("SCCopyCompressionSessionOptions() failed with error -4"));
+}
+
+TEST_F(CompressionChoice, StoredDataOfNoBytesIsDataAndNoDialogComes) {
+  settings_.setObjectForKey(ZQACCaptureCompressionData, CompressionData{});
+  choose(kCustom);
+  EXPECT_EQ(compression_.dialogs, 0);
 }
 
 TEST_F(CompressionChoice, WithoutAnInputTheSessionStaysStopped) {

@@ -114,6 +114,20 @@ TEST_F(Configurations, TheSizeTagGoesThroughTheBooleanSetter) {
   }
 }
 
+TEST_F(Configurations, WhetherMoviesAreCapturedGoesThroughItToo) {
+  apply({{"grabMovie", number(256)}});
+  EXPECT_EQ(live("captureMovie"), SettingValue(false));
+  apply({{"grabMovie", number(2)}});
+  EXPECT_EQ(live("captureMovie"), SettingValue(true));
+}
+
+TEST_F(Configurations, CustomIsChosenBeforeItsDataIsThereSoTheDialogComesFirst) {
+  compression_.script.chosen = {8};
+  apply({{"captureMovieCompression", number(3)}, {"captureMovieCompressionData", CompressionData{4, 5, 6}}});
+  EXPECT_EQ(compression_.dialogs, 1);
+  EXPECT_EQ(dynamic_cast<test::FakeSessionOptions&>(*compression_.made->session).madeFrom, (CompressionData{4, 5, 6}));
+}
+
 TEST_F(Configurations, TheCompressionIsChosenByItsIndex) {
   apply({{"captureMovieCompression", number(2)}});
   EXPECT_EQ(compressionPopUp_.indexOfSelectedItem(), 2);
@@ -125,6 +139,7 @@ TEST_F(Configurations, ACompressionThatIsNotHereMeansAsReceived) {
   apply({{"captureMovieCompression", number(40)}});
   EXPECT_FALSE(controller_->isCompressed());
   EXPECT_EQ(log_.messages(LogLevel::warning).size(), 1U);
+  EXPECT_EQ(live("captureMovieCompression"), number(40));
 }
 
 TEST_F(Configurations, CustomDataIsCopiedAsItIs) {
@@ -163,6 +178,26 @@ TEST_F(Configurations, OtherOldFormatsRemoveTheDataAlsoWhenTheDialogIsCancelled)
   compression_.script.dialogResult = 1;
   apply({{"captureMovieCompressionData", CompressionData{4, 5, 6}}, {"captureFormat", number(2)}});
   EXPECT_EQ(settings_.objectForKey(ZQACCaptureCompressionData), std::nullopt);
+  EXPECT_EQ(compression_.dialogs, 2) << "once for the choice, and again when all is applied";
+}
+
+TEST_F(Configurations, OldFormats0And1KeepTheCustomData) {
+  apply({{"captureMovieCompressionData", CompressionData{4}}, {"captureFormat", number(0)}});
+  EXPECT_EQ(live("captureMovieCompressionData"), SettingValue(CompressionData{4}));
+}
+
+TEST_F(Configurations, AnItemThatIsNotThereChangesNothing) {
+  controller_->setAllConfiguration({{{"detectScenes", number(0)}}});
+  controller_->selectConfigurationAtIndex(7);
+  EXPECT_EQ(configurationPopUp_.indexOfSelectedItem(), -1);
+  EXPECT_EQ(live("detectScene"), SettingValue(true));
+}
+
+TEST_F(Configurations, TheUnnamedItemIsDeletedByNoName) {
+  controller_->setAllConfiguration({});
+  controller_->selectConfigurationAtIndex(0);
+  controller_->deleteCurrentConfiguration();
+  EXPECT_THAT(deleted_, ElementsAre(""));
 }
 
 TEST_F(Configurations, StaySelectedWhenTheyAreApplied) {

@@ -154,6 +154,13 @@ TEST_F(RecaptureOptions, TheSizeTagGivesTheSizeOfCustomPictures) {
   EXPECT_EQ(compression_.made->height, 0);
 }
 
+TEST_F(RecaptureOptions, ASizeTagRestartsTheSessionWhateverTheChoice) {
+  selectDevice(kStopped);
+  controller_->setFitToSizeTag(-1);
+  EXPECT_EQ(controller_->fitToSizeTag(), -1);
+  EXPECT_THAT(journal_.linesOf({"session"}), ElementsAre("session: stop", "session: start"));
+}
+
 TEST_F(RecaptureOptions, FollowTheKeyOfItsOwnSettings) {
   EXPECT_THAT(announced([this] { settings_.setObjectForKey(ZQACRecaptureCompressionData, CompressionData{1}); }),
               ElementsAre("will recaptureMovieCompressionData", "did recaptureMovieCompressionData"));
@@ -176,6 +183,8 @@ TEST_F(RecaptureOptions, WithCompressionTheOtherOutputsFramesAreFollowed) {
 TEST_F(RecaptureOptions, TheSheetComesAndGoesAndTellsTheFormat) {
   controller_->options();
   EXPECT_TRUE(sheet_.isOnScreen());
+  const auto observation = controller_->keys().addObserver(
+      [this](const std::string&, KeyChange) { EXPECT_FALSE(sheet_.isOnScreen()) << "it goes before the news"; });
   EXPECT_THAT(announced([this] { controller_->optionsDone(); }), ElementsAre("will formatName", "did formatName"));
   EXPECT_FALSE(sheet_.isOnScreen());
 }

@@ -79,9 +79,10 @@ Expected<AvEncoder> AvEncoder::open(const std::string& name, const std::function
   int result = av_dict_parse_string(&own.dictionary, options.c_str(), "=", ";", 0);
   if (result >= 0) result = avcodec_open2(codec.get(), encoder, &own.dictionary);
   if (result < 0) return cannotOpen(name, avReason(result));
+  AvEncoder opened(name, std::move(codec));
   const AVDictionaryEntry* left = av_dict_get(own.dictionary, "", nullptr, AV_DICT_IGNORE_SUFFIX);
   if (left) return cannotOpen(name, fmt::format("It knows no setting \"{}\"", left->key));
-  return AvEncoder(name, std::move(codec));
+  return opened;
 }
 
 Status AvEncoder::encode(AVFrame* frame, const Sink& sink) {

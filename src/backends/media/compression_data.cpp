@@ -13,7 +13,7 @@ namespace {
 // JSON text:
 //
 //   {"format": "deckhand-compression",   what it is
-//    "version": 1,                       changes when an older program would take it wrong; a new key alone does not
+//    "version": 1,                       a later one is refused; a new key or codec makes one
 //    "settings": {"codec": "h264", "quality": "20", ...}}     the texts' keys and values
 constexpr char kFormat[] = "deckhand-compression";
 constexpr int kVersion = 1;

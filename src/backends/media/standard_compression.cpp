@@ -20,9 +20,11 @@ std::int32_t StandardCompression::setSettingsFromAtomContainer(std::span<const s
   auto read = readCompressionData(settings);
   if (!read.ok()) {
     log_.write(LogLevel::error, read.error().text());
+    keepsStored_ = true;
     return kUnreadableSettings;
   }
   settings_ = read.value();
+  keepsStored_ = false;
   return 0;
 }
 
@@ -30,11 +32,14 @@ std::int32_t StandardCompression::requestImageSettings() {
   if (kind_ != Kind::image) return kUnknownParameter;
   CompressionSettings changed = settings_;
   const std::int32_t answer = ask_ ? ask_(changed) : 0;
-  if (answer == 0) settings_ = changed;
-  return answer;
+  if (answer != 0) return answer;
+  settings_ = changed;
+  keepsStored_ = false;
+  return 0;
 }
 
 std::int32_t StandardCompression::getSettingsAsAtomContainer(std::vector<std::uint8_t>& settings) {
+  if (keepsStored_) return kUnreadableSettings;
   settings = compressionData(settings_);
   return 0;
 }

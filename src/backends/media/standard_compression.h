@@ -24,9 +24,11 @@ class StandardCompression : public platform::StandardCompression {
 
   std::int32_t setInfo(platform::FourCharCode selector, std::int32_t flags) override;
   std::int32_t setSettingsFromAtomContainer(std::span<const std::uint8_t> settings) override;
+  /// After settings that could not be read, nothing is given back until the user has chosen: what a later version
+  /// stored is not to be replaced by what this one takes for it.
+  std::int32_t getSettingsAsAtomContainer(std::vector<std::uint8_t>& settings) override;
   /// The settings of pictures say those of sound too, so there is no dialog for sound.
   std::int32_t requestImageSettings() override;
-  std::int32_t getSettingsAsAtomContainer(std::vector<std::uint8_t>& settings) override;
   std::int32_t copyCompressionSessionOptions(std::shared_ptr<platform::ICMCompressionSessionOptions>& options) override;
   platform::SCSpatialSettings spatialSettings() const override;
   platform::SCTemporalSettings temporalSettings() const override;
@@ -36,6 +38,7 @@ class StandardCompression : public platform::StandardCompression {
   const AskForCompression ask_;
   Log& log_;
   CompressionSettings settings_;
+  bool keepsStored_ = false;
 };
 
 }  // namespace zq::media

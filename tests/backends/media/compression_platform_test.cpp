@@ -162,9 +162,19 @@ TEST_F(Compressions, StayAndSayWhyWhenStoredOnesCannotBeRead) {
   ASSERT_THAT(log_.lines, SizeIs(2));
   EXPECT_THAT(log_.lines[0].message, HasSubstr("later version"));
   EXPECT_THAT(log_.lines[1].message, HasSubstr("damaged"));
-  std::vector<std::uint8_t> stored;
-  component->getSettingsAsAtomContainer(stored);
-  EXPECT_EQ(stored, dataOf({}));
+  EXPECT_EQ(component->spatialSettings().codecType, fourCharCode("avc1"));
+}
+
+TEST_F(Compressions, ThatCannotBeReadAreNotReplacedUntilTheUserHasChosen) {
+  const auto component = openImage();
+  const std::vector<std::uint8_t> damaged{'{', 'x'};
+  EXPECT_NE(component->setSettingsFromAtomContainer(damaged), 0);
+  std::vector<std::uint8_t> data;
+  EXPECT_NE(component->getSettingsAsAtomContainer(data), 0);
+  EXPECT_TRUE(data.empty());
+  EXPECT_EQ(component->requestImageSettings(), 0);
+  EXPECT_EQ(component->getSettingsAsAtomContainer(data), 0);
+  EXPECT_FALSE(data.empty());
 }
 
 TEST_F(Compressions, OfSoundAskNothing) {
