@@ -72,7 +72,10 @@ class CaptureCommand {
     const auto extension = settings.extensionFor(options_.format);
     if (!extension.ok()) return refused({extension.error(), kExitUsage});
     CaptureFiles files(options_, extension.value());
-    if (Status status = prepare(*module.value(), files); !status.ok()) return failed(status.error());
+    if (Status status = prepareCatalogue(*module.value(), files); !status.ok()) return failed(status.error());
+    // From here on there is something to leave in order.
+    const Interrupts interrupts;
+    if (Status status = prepareFiles(files); !status.ok()) return failed(status.error());
     return capture(*module.value(), *runtime, settings, files, tape.value());
   }
 
@@ -82,7 +85,6 @@ class CaptureCommand {
     const auto writers = module.makeMovieWriters(console_);
     const auto compression = module.makeCompression(console_);
     backend::RealRuntime wall;
-    const Interrupts interrupts;
     if (options_.realTime) warnIfTooSlow(module, *compression, settings, files.extension, *tape, console_);
     CaptureRun run({runtime, wall.clock(), settings.live(), *compression, *writers, console_, files.clips, tape,
                     deckOptions(options_.realTime, settings.compression().isCompressed()),
@@ -108,13 +110,15 @@ class CaptureCommand {
     return kExitFailed;
   }
 
-  /// All that is written to, in this order: nothing is left behind for a catalogue that cannot be used.
-  Status prepare(BackendModule& module, CaptureFiles& files) {
-    if (!options_.catalogue.empty()) {
-      const std::string tape = options_.tape.empty() ? tapeNameOf(options_.device) : options_.tape;
-      files.catalogue = std::make_unique<SessionCatalogue>(module, options_.catalogue, tape, console_);
-      if (Status status = files.catalogue->prepare(); !status.ok()) return status;
-    }
+  /// Before the files: nothing is left behind for a catalogue that cannot be used.
+  Status prepareCatalogue(BackendModule& module, CaptureFiles& files) {
+    if (options_.catalogue.empty()) return {};
+    const std::string tape = options_.tape.empty() ? tapeNameOf(options_.device) : options_.tape;
+    files.catalogue = std::make_unique<SessionCatalogue>(module, options_.catalogue, tape, console_);
+    return files.catalogue->prepare();
+  }
+
+  static Status prepareFiles(CaptureFiles& files) {
     if (Status status = files.clips.prepare(); !status.ok()) return status;
     return files.report.reserve();
   }

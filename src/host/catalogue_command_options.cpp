@@ -3,13 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
+#include "host/not_empty.h"
+
 namespace zq::host {
 namespace {
-
-/// An empty variable of a script must not become a wider choice.
-CLI::Validator notEmpty() {
-  return CLI::Validator([](const std::string& text) { return text.empty() ? "it is empty" : std::string(); }, "");
-}
 
 /// A subcommand, with what all of them have.
 CLI::App* addAction(CLI::App& catalogue, CatalogueCommandOptions& options, const std::string& name,

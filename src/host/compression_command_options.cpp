@@ -4,15 +4,12 @@
 #include <string>
 
 #include "host/backend_module.h"
+#include "host/not_empty.h"
 #include "host/picture_size.h"
 #include "host/setting_options.h"
 
 namespace zq::host {
 namespace {
-
-CLI::Validator notEmpty() {
-  return CLI::Validator([](const std::string& text) { return text.empty() ? "it is empty" : std::string(); }, "");
-}
 
 /// A subcommand, with what all of them have.
 CLI::App* addAction(CLI::App& config, ConfigCommandOptions& options, const std::string& name, const std::string& what) {

@@ -99,6 +99,8 @@ StoredConfiguration readConfiguration(const json& item, const std::string& where
     if (value.is_null()) throw object.wrong(key.c_str(), "is null");
     if (key == kPresetKey) {
       configuration.preset = object.text(kPresetKey);
+      // It is printed, as the name is.
+      if (!checkConfigurationName(configuration.preset).ok()) throw object.wrong(kPresetKey, "is no preset's name");
       continue;
     }
     const KeyRule* rule = ruleFor(key);

@@ -48,6 +48,8 @@ class RecaptureCommand {
     if (!tape.ok()) return failed(tape.error());
     if (Status status = checkWritable(*catalogue.value(), tape.value()); !status.ok()) return failed(status.error());
     ClipFiles files(options_.output, extension.value(), options_.tape);
+    // From here on there is something to leave in order.
+    const Interrupts interrupts;
     if (Status status = files.prepare(); !status.ok()) return failed(status.error());
     return record({*runtime, *module.value(), settings, extension.value(), *catalogue.value(), tape.value(),
                    image.value(), files});
@@ -82,7 +84,6 @@ class RecaptureCommand {
     const auto writers = module.makeMovieWriters(console_);
     FrameWitness witness(opened.runtime, *writers);
     backend::RealRuntime wall;
-    const Interrupts interrupts;
     if (options_.realTime) {
       warnIfTooSlow(module, *compression, opened.settings, opened.extension, *opened.image, console_);
     }

@@ -36,11 +36,6 @@ std::string sentence(const std::string& text) {
   return text.ends_with('.') ? text : text + ".";
 }
 
-bool isUtf8(const std::string& text) {
-  const auto replaced = nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::ignore);
-  return nlohmann::json::parse(replaced) == nlohmann::json(text);
-}
-
 // A file that may only be read opens like any other, and the capture would be over before it is told. Its folder gets
 // the journal beside it.
 Status checkWritable(const std::string& where) {

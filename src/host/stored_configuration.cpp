@@ -1,16 +1,12 @@
 #include "host/stored_configuration.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <utility>
+
+#include "host/text.h"
 
 namespace zq::host {
 namespace {
-
-bool isUtf8(const std::string& text) {
-  const auto kept = nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::ignore);
-  return nlohmann::json::parse(kept) == nlohmann::json(text);
-}
 
 /// Those of ASCII, and U+0080 to U+009F, which are two bytes: 0xC2 and one from 0x80 on.
 bool hasControlCharacters(const std::string& text) {

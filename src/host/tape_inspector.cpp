@@ -82,7 +82,11 @@ Expected<std::unique_ptr<TapeInspector>> TapeInspector::open(const std::string& 
 
 TapeInspector::TapeInspector(std::shared_ptr<TapeFile> file, FrameIndex index, FrameLocation first,
                              platform::Runtime& runtime)
-    : file_(std::move(file)), index_(std::move(index)), first_(first), runtime_(runtime) {}
+    : file_(std::move(file)),
+      sameFile_(file_->openedAgain()),
+      index_(std::move(index)),
+      first_(first),
+      runtime_(runtime) {}
 
 std::int64_t TapeInspector::wholeFramesFrom(const FrameLocation& location) const {
   return static_cast<std::int64_t>((file_->size() - location.offset) / frameSizeOf(location.system));
@@ -134,14 +138,15 @@ Status TapeInspector::dropWrongLast(std::vector<Chunk*>& chunks, const Formatter
 }
 
 void TapeInspector::readChunks(Chunk& one, Chunk& other, const Formatter& format) {
-  if (other.wanted == 0) return readChunk(one, format);
-  const auto thread = runtime_.startThread("inspector", [&] { readChunk(other, format); });
-  readChunk(one, format);
+  if (other.wanted == 0) return readChunk(*file_, one, format);
+  const TapeFile& beside = sameFile_ ? *sameFile_ : *file_;
+  const auto thread = runtime_.startThread("inspector", [&] { readChunk(beside, other, format); });
+  readChunk(*file_, one, format);
   thread->join();
 }
 
-void TapeInspector::readChunk(Chunk& chunk, const Formatter& format) const {
-  SparseFrame sparse(*file_);
+void TapeInspector::readChunk(const TapeFile& file, Chunk& chunk, const Formatter& format) {
+  SparseFrame sparse(file);
   chunk.records.reserve(static_cast<std::size_t>(chunk.wanted));
   FrameLocation location = chunk.first;
   for (std::int64_t i = 0; i < chunk.wanted; ++i) {

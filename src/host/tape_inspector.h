@@ -57,13 +57,14 @@ class TapeInspector {
 
   TapeInspector(std::shared_ptr<backend::TapeFile> file, backend::FrameIndex index, backend::FrameLocation first,
                 platform::Runtime& runtime);
-  void readChunk(Chunk& chunk, const Formatter& format) const;
+  static void readChunk(const backend::TapeFile& file, Chunk& chunk, const Formatter& format);
   void readChunks(Chunk& one, Chunk& other, const Formatter& format);
   Status dropWrongLast(std::vector<Chunk*>& chunks, const Formatter& format) const;
   std::int64_t wholeFramesFrom(const backend::FrameLocation& location) const;
 
   // Constant after construction.
   const std::shared_ptr<backend::TapeFile> file_;
+  const std::shared_ptr<const backend::TapeFile> sameFile_;  // for the second thread; may be null
   const backend::FrameIndex index_;
   const backend::FrameLocation first_;
   platform::Runtime& runtime_;

@@ -26,4 +26,9 @@ nlohmann::ordered_json jsonOf(const std::string& text) {
   return text.empty() ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(text);
 }
 
+bool isUtf8(const std::string& text) {
+  const auto kept = nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::ignore);
+  return nlohmann::json::parse(kept) == nlohmann::json(text);
+}
+
 }  // namespace zq::host

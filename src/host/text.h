@@ -21,4 +21,7 @@ std::string counted(std::int64_t count, const std::string& what);
 /// The text, or null where it is empty.
 nlohmann::ordered_json jsonOf(const std::string& text);
 
+/// Whether the text can be written as JSON.
+bool isUtf8(const std::string& text);
+
 }  // namespace zq::host

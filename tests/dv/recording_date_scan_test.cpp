@@ -3,7 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <random>
+
 #include "dv/frame_capture_date_time.h"
+#include "dv/pack.h"
 #include "support/dv_frames.h"
 #include "support/dv_recording_log.h"
 
@@ -114,6 +118,54 @@ TEST(RecordingDateScan, TellsOfEachSequenceBeforeItIsDecoded) {
   const SharedBytes frame = test::makeFrame(DVSystem::ntsc525_60, {.dateTime = kStamped});
   scanRecordingDate(frame, nullptr, [&told](std::uint32_t index) { told.push_back(index); });
   EXPECT_THAT(told, testing::ElementsAre(0, 1, 2, 3, 4, 5));
+}
+
+/// A frame in which any sequence may have dates, times, other packs, blocks of another section and another's number.
+FrameBytes jumbledFrame(std::mt19937& random) {
+  const auto number = [&](std::uint32_t below) { return static_cast<int>(random() % below); };
+  const DVSystem system = number(2) == 0 ? DVSystem::ntsc525_60 : DVSystem::pal625_50;
+  FrameBytes frame = makeFrameBytes(system);
+  const auto sequences = static_cast<std::uint32_t>(sequenceCountOf(system));
+  constexpr std::array<std::uint8_t, 4> kKinds{kRecordingDatePack, kRecordingTimePack, kTimecodePack, 0xFF};
+  for (int packs = number(20); packs > 0; --packs) {
+    const std::uint8_t kind = kKinds[static_cast<std::size_t>(number(kKinds.size()))];
+    test::setSubcodePack(frame, number(sequences), number(12), {kind, 0xFF, 0x15, 0x07, 0x04});
+  }
+  for (int changes = number(8); changes > 0; --changes) {
+    const auto display = static_cast<std::uint8_t>(0xC8 | number(8));
+    test::setVideoSourceControlPack(frame, number(sequences), {0x61, 0x3F, display, 0xFC, 0xFF});
+  }
+  for (int damages = number(3); damages > 0; --damages) {
+    test::setSectionType(frame, number(sequences), 1 + number(5), number(8));
+    test::setSequenceNumber(frame, number(sequences), number(16));
+  }
+  if (number(8) == 0) frame.resize(static_cast<std::size_t>(number(static_cast<std::uint32_t>(frame.size()))));
+  return frame;
+}
+
+// With a log every sequence is decoded; without one, those that are undated at a glance are not.
+TEST(RecordingDateScan, FindsTheSameWithoutALogAsWithOne) {
+  std::mt19937 random(5);  // NOLINT: the same frames each time
+  int dated = 0;
+  int outOfRange = 0;
+  for (int i = 0; i < 3000; ++i) {
+    SCOPED_TRACE(i);
+    const FrameBytes frame = jumbledFrame(random);
+    test::DVRecordingLog log;
+    const RecordingDateScan decoded = scan(frame, &log);
+    const RecordingDateScan glanced = scan(frame);
+    ASSERT_EQ(glanced.date == nullptr, decoded.date == nullptr);
+    if (decoded.date) {
+      ASSERT_EQ(glanced.date->isoString(), decoded.date->isoString());
+      ASSERT_NE(glanced.captureDateTime, nullptr);
+    }
+    ASSERT_EQ(glanced.aspectRatio, decoded.aspectRatio);
+    ASSERT_EQ(glanced.outOfRange, decoded.outOfRange);
+    dated += decoded.date ? 1 : 0;
+    outOfRange += decoded.outOfRange ? 1 : 0;
+  }
+  EXPECT_GT(dated, 300);
+  EXPECT_GT(outOfRange, 300);
 }
 
 TEST(RecordingDateScan, WarningsReachTheLog) {

@@ -53,7 +53,7 @@ class CaptureCatalogue : public ::testing::Test {
     all.insert(all.begin(), DECKHAND_PROGRAM);
     all.insert(all.end(), more.begin(), more.end());
     const RunningProgram program(folder, std::move(all));
-    while (!std::filesystem::exists(folder / "clips/capturing-0002.dv")) ::usleep(1000);
+    waitForBytes(folder / "clips/capturing-0002.dv");
     return program;
   }
   std::string catalogue() const { return folder / "tapes.db"; }

@@ -128,8 +128,7 @@ TEST_F(CaptureRefusals, AnInterruptEndsTheCaptureWithCompleteFiles) {
   std::vector<std::string> all = words("tape:" + folder / "tape.dv", {"--format", "dv", "--real-time"});
   all.insert(all.begin(), DECKHAND_PROGRAM);
   const RunningProgram program(folder, all);
-  // The report's file is there as soon as the capture is set up; its first movie a moment later.
-  while (!std::filesystem::exists(folder / "clips/capturing-0002.dv")) ::usleep(1000);
+  waitForBytes(folder / "clips/capturing-0002.dv");
   program.interrupt();
   ::usleep(1000);
   program.interrupt();
@@ -149,7 +148,7 @@ TEST_F(CaptureRefusals, ATapeThatShrinksWhileItPlaysEndsTheCaptureWithAMessage) 
   std::vector<std::string> all = words("tape:" + folder / "tape.dv", {"--format", "dv", "--real-time"});
   all.insert(all.begin(), DECKHAND_PROGRAM);
   const RunningProgram program(folder, all);
-  while (!std::filesystem::exists(folder / "clips/capturing-0002.dv")) ::usleep(1000);
+  waitForBytes(folder / "clips/capturing-0002.dv");
   std::filesystem::resize_file(folder / "tape.dv", 144000);
   const ProgramResult result = program.wait();
   EXPECT_EQ(result.exitCode, 1);

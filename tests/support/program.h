@@ -44,6 +44,15 @@ inline void writeText(const std::string& path, const std::string& text) {
   std::ofstream(path, std::ios::binary) << text;
 }
 
+/// Waits until a program has written something into the file.
+inline void waitForBytes(const std::string& path) {
+  std::error_code missing;
+  for (std::uintmax_t size = 0; size == 0; size = missing ? 0 : size) {
+    ::usleep(1000);
+    size = std::filesystem::file_size(path, missing);
+  }
+}
+
 /// A program that has been started.
 class RunningProgram {
  public:

@@ -22,6 +22,10 @@ class TapeFile {
   /// Bytes, as found when it was opened.
   std::uint64_t size() const { return size_; }
 
+  /// The same file with a descriptor of its own, for a second thread: two that read through one descriptor hold each
+  /// other up. Null where the system gives none.
+  std::shared_ptr<const TapeFile> openedAgain() const;
+
   /// Fills `destination` from `offset` on. Fails when the file cannot be read there or has become shorter.
   Status read(std::span<std::uint8_t> destination, std::uint64_t offset) const;
 

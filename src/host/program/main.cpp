@@ -16,6 +16,7 @@
 #include "host/exit_codes.h"
 #include "host/inspect_command.h"
 #include "host/make_tape_command.h"
+#include "host/not_empty.h"
 #include "host/presets_command.h"
 #include "host/recapture_command.h"
 #include "host/setting_options.h"
@@ -27,10 +28,6 @@ using namespace zq::host;  // NOLINT(google-build-using-namespace): this file is
 constexpr char kExitCodes[] =
     "Exit codes: 0 done; 1 not done, or not to the end (what was captured is complete); 2 wrong command line;\n"
     "3 done, but the tape has something to look at; 130 ended by Ctrl-C.";
-
-CLI::Validator notEmpty() {
-  return CLI::Validator([](const std::string& text) { return text.empty() ? "it is empty" : std::string(); }, "");
-}
 
 void addDevices(CLI::App& app, DevicesOptions& options) {
   CLI::App* command = app.add_subcommand("devices", "List what can be captured from");

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <filesystem>
 #include <fstream>
 #include <numeric>
 #include <random>
@@ -153,6 +154,21 @@ TEST_F(TapeImages, AFileThatGrowsIsPlayedAsItWasWhenItWasOpened) {
   file.setSize(9 * frameSizeOf(kPal));
   EXPECT_TRUE(tape->locate(4).value().has_value());
   EXPECT_FALSE(tape->locate(5).value().has_value());
+}
+
+TEST_F(TapeImages, AFileThatIsOpenedAgainIsTheSameOneWhateverHasItsPathNow) {
+  const FrameBytes first = test::makeFrameBytes(kNtsc);
+  const std::string path = folder_.fileWith("tape.dv", first);
+  const auto file = TapeFile::open(path);
+  ASSERT_TRUE(file.ok());
+  std::filesystem::remove(path);
+  folder_.fileWith("tape.dv", test::makeFrameBytes(kPal));
+  const auto again = file.value()->openedAgain();
+  ASSERT_NE(again, nullptr);
+  EXPECT_EQ(again->size(), first.size());
+  FrameBytes bytes(first.size());
+  ASSERT_TRUE(again->read(bytes, 0).ok());
+  EXPECT_EQ(bytes, first);
 }
 
 }  // namespace
