@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "backends/media/compression_session_options.h"
+#include "backends/media/encoder_check.h"
 #include "backends/media/movie_compression.h"
 #include "backends/media/quiet_encoders.h"
 
@@ -39,7 +40,7 @@ std::vector<std::string> CompressionPlatform::compressionOptionsIdentifiersForMe
   std::vector<std::string> identifiers;
   if (mediaType != platform::QTMediaTypeVideo) return identifiers;
   for (const CompressionPreset& preset : compressionPresets()) {
-    if (encoders_.check(preset.settings()).ok()) identifiers.emplace_back(preset.identifier);
+    if (checkEncoders(preset.settings()).ok()) identifiers.emplace_back(preset.identifier);
   }
   return identifiers;
 }
@@ -48,7 +49,7 @@ std::shared_ptr<const platform::QTCompressionOptions> CompressionPlatform::compr
     const std::string& identifier) {
   if (const auto found = presets_.find(identifier); found != presets_.end()) return found->second;
   for (const CompressionPreset& preset : compressionPresets()) {
-    if (preset.identifier != identifier || !encoders_.check(preset.settings()).ok()) continue;
+    if (preset.identifier != identifier || !checkEncoders(preset.settings()).ok()) continue;
     auto options =
         std::make_shared<MovieCompression>(preset.name, preset.settings(), PictureSize{}, preset.containers());
     return presets_.emplace(identifier, std::move(options)).first->second;

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "backends/media/compression_presets.h"
-#include "backends/media/encoder_check.h"
 #include "backends/media/standard_compression.h"
 #include "base/log.h"
 #include "platform/compression.h"
@@ -33,7 +32,6 @@ class CompressionPlatform : public platform::CompressionPlatform {
  private:
   Log& log_;
   const AskForCompression ask_;
-  EncoderCheck encoders_;
   std::map<std::string, std::shared_ptr<const platform::QTCompressionOptions>> presets_;
 };
 

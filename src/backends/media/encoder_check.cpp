@@ -1,39 +1,22 @@
 #include "backends/media/encoder_check.h"
 
-#include "backends/media/picture_encoder.h"
-#include "backends/media/picture_filter.h"
-#include "backends/media/sound_encoder.h"
+#include "backends/media/av_encoder.h"
 
 namespace zq::media {
 namespace {
 
-// As small as every encoder takes.
-constexpr PictureSize kTrialSize{160, 120};
-constexpr int kTrialRate = 48000;
-
-Status tryPicture(const CompressionSettings& settings) {
-  const PicturePlan plan = planPictures(DVSystem::pal625_50, false, settings, kTrialSize);
-  auto filter = PictureFilter::create(DVSystem::pal625_50, plan);
-  if (!filter.ok()) return filter.error();
-  auto encoder = PictureEncoder::open(settings, plan, true);
-  return encoder.ok() ? Status() : Status(encoder.error());
-}
-
-Status trySound(SoundCodec sound) {
-  if (sound == SoundCodec::pcm) return {};
-  auto encoder = SoundEncoder::open(sound, kTrialRate, true);
-  return encoder.ok() ? Status() : Status(encoder.error());
+/// Libavcodec's own, which are always in it, are not asked for.
+Status findSound(SoundCodec sound) {
+  return sound == SoundCodec::pcm ? Status() : AvEncoder::find(keyOf(sound));
 }
 
 }  // namespace
 
-Status EncoderCheck::check(const CompressionSettings& settings) {
-  const std::string picture = settings.codec->key;
-  const std::string sound = keyOf(settings.sound);
-  if (!results_.contains(picture)) results_.emplace(picture, tryPicture(CompressionSettings(*settings.codec)));
-  if (!results_.contains(sound)) results_.emplace(sound, trySound(settings.sound));
-  const Status& result = results_.at(picture);
-  return result.ok() ? results_.at(sound) : result;
+// Opened they are for each movie only: some start dozens of threads, and a capture that compresses nothing would wait
+// for all of them. One that cannot be opened then says so with the file.
+Status checkEncoders(const CompressionSettings& settings) {
+  Status picture = AvEncoder::find(settings.codec->encoder);
+  return picture.ok() ? findSound(settings.sound) : picture;
 }
 
 }  // namespace zq::media

@@ -48,7 +48,7 @@ class Backends : public BackendModule {
     std::vector<CompressionPreset> presets;
     for (const media::CompressionPreset& preset : media::compressionPresets()) {
       const media::CompressionSettings settings = preset.settings();
-      if (!encoders_.check(settings).ok()) continue;
+      if (!media::checkEncoders(settings).ok()) continue;
       presets.push_back(
           {preset.name, preset.identifier, settings.codec->encoder, preset.containers(), picturesPerFrame(settings)});
     }
@@ -59,7 +59,7 @@ class Backends : public BackendModule {
     media::quietEncoders();
     const auto chosen = media::settingsFromTexts(settings);
     if (!chosen.ok()) return chosen.error();
-    Status possible = encoders_.check(chosen.value());
+    Status possible = media::checkEncoders(chosen.value());
     if (!possible.ok()) return possible.error();
     return media::compressionData(chosen.value());
   }
@@ -106,9 +106,6 @@ class Backends : public BackendModule {
   }
 
   Expected<std::int64_t> countMovieFrames(const std::string& path) override { return media::countMovieFrames(path); }
-
- private:
-  media::EncoderCheck encoders_;
 };
 
 }  // namespace

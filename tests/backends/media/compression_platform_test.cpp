@@ -5,6 +5,7 @@
 
 #include "backends/media/compression_data.h"
 #include "backends/media/compression_text.h"
+#include "backends/media/encoder_check.h"
 #include "backends/media/movie_compression.h"
 #include "backends/media/movie_writer_factory.h"
 #include "support/dv_recording_log.h"
@@ -70,27 +71,13 @@ TEST_F(Compressions, AreNothingForAnIdentifierThatIsNotListed) {
   }
 }
 
-TEST(EncoderCheck, NamesAnEncoderThatIsNotThere) {
+TEST(EncodersHere, NamesAnEncoderThatIsNotThere) {
   CompressionCodec codec = *codecWithKey("h264");
   codec.key = "missing";
   codec.encoder = "libnothing";
-  EncoderCheck encoders;
-  const Status result = encoders.check(CompressionSettings(codec));
+  const Status result = checkEncoders(CompressionSettings(codec));
   ASSERT_FALSE(result.ok());
   EXPECT_THAT(result.error().text(), AllOf(HasSubstr("libnothing"), HasSubstr("Install")));
-}
-
-TEST(EncoderCheck, RefusesAnEncoderThatCannotBeOpened) {
-  CompressionCodec codec = *codecWithKey("h264");
-  codec.key = "broken";
-  codec.options = "preset=none-such";
-  EncoderCheck encoders;
-  EXPECT_FALSE(encoders.check(CompressionSettings(codec)).ok());
-  codec.key = "unknown";
-  codec.options = "colour=red";
-  const Status result = encoders.check(CompressionSettings(codec));
-  ASSERT_FALSE(result.ok());
-  EXPECT_THAT(result.error().text(), HasSubstr("\"colour\""));
 }
 
 // The standard compression service.
