@@ -7,6 +7,7 @@
 #include <string>
 
 #include "base/calendar_date.h"
+#include "catalogue/shared_rect.h"
 #include "platform/geometry.h"
 #include "platform/image.h"
 #include "timecode/smpte_time.h"
@@ -64,12 +65,12 @@ class ZQACClip {
   std::string recapturePath() const;
 
   // Where the views show the clip.
-  const platform::Rect& posInTimeline() const { return posInTimeline_; }
-  void setPosInTimeline(const platform::Rect& rect) { posInTimeline_ = rect; }
-  const platform::Rect& posterImagePos() const { return posterImagePos_; }
-  void setPosterImagePos(const platform::Rect& rect) { posterImagePos_ = rect; }
-  const platform::Rect& progressBar() const { return progressBar_; }
-  void setProgressBar(const platform::Rect& rect) { progressBar_ = rect; }
+  platform::Rect posInTimeline() const { return posInTimeline_.get(); }
+  void setPosInTimeline(const platform::Rect& rect) { posInTimeline_.set(rect); }
+  platform::Rect posterImagePos() const { return posterImagePos_.get(); }
+  void setPosterImagePos(const platform::Rect& rect) { posterImagePos_.set(rect); }
+  platform::Rect progressBar() const { return progressBar_.get(); }
+  void setProgressBar(const platform::Rect& rect) { progressBar_.set(rect); }
 
  private:
   // Constant after construction.
@@ -81,10 +82,10 @@ class ZQACClip {
   std::atomic<bool> isRecaptureFinished_ = false;
   std::atomic<bool> isLastClip_ = false;
 
-  // Main thread only.
-  platform::Rect posInTimeline_;
-  platform::Rect posterImagePos_;
-  platform::Rect progressBar_;
+  // Set by the main thread.
+  SharedRect posInTimeline_;
+  SharedRect posterImagePos_;
+  SharedRect progressBar_;
 };
 
 /// Clips are compared by which object they are.

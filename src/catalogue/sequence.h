@@ -9,6 +9,7 @@
 
 #include "base/calendar_date.h"
 #include "catalogue/clip.h"
+#include "catalogue/shared_rect.h"
 #include "platform/geometry.h"
 
 namespace zq {
@@ -36,8 +37,8 @@ class ZQACSequence {
   /// What computeRecapturedClips() found when the sequence was made.
   std::int32_t recapturedClipsCount() const { return countOfRecapturedClips_; }
 
-  const platform::Rect& posInTimeline() const { return posInTimeline_; }
-  void setPosInTimeline(const platform::Rect& rect) { posInTimeline_ = rect; }
+  platform::Rect posInTimeline() const { return posInTimeline_.get(); }
+  void setPosInTimeline(const platform::Rect& rect) { posInTimeline_.set(rect); }
   bool isAllClipsRecaptured() const { return isAllClipsRecaptured_; }
   void setIsAllClipsRecaptured(bool recaptured) { isAllClipsRecaptured_ = recaptured; }
 
@@ -55,8 +56,8 @@ class ZQACSequence {
 
   std::atomic<bool> isAllClipsRecaptured_ = false;
 
-  // Main thread only.
-  platform::Rect posInTimeline_;
+  // Set by the main thread.
+  SharedRect posInTimeline_;
 };
 
 /// Sequences are compared by which object they are.

@@ -26,7 +26,12 @@
 
 namespace zq::test {
 
-class NoBindingArea final : public outlets::BindingArea {};
+class NoBindingArea final : public outlets::BindingArea {
+ public:
+  void setActiveSequence(SequenceValue) override {}
+  void setActiveClip(ClipValue) override {}
+  void refresh() override {}
+};
 
 /// What an end of file tells.
 inline void tellThatFileIsFinished(FakeMovieFileOutput& output, const std::string& path) {

@@ -67,6 +67,16 @@ class RecordingStrip final : public outlets::ThumbnailStrip {
   void setActiveSequence(SequenceValue sequence) override { journal_.add("strip", nameOf(sequence)); }
   void setActiveClip(ClipValue clip) override { journal_.add("strip", nameOf(clip)); }
   void setClipBeingRecap(ClipValue clip) override { journal_.add("strip", "recapturing " + nameOf(clip)); }
+  void setCursorTimecode(const SMPTETime& timecode) override {
+    journal_.add("strip", "cursor " + timecodeText(timecode));
+  }
+  void setIsMouseDownActive(bool active) override { journal_.add("strip", active ? "mouse on" : "mouse off"); }
+  void triggerRelocationTimerWithOffset(float offset) override {
+    journal_.add("strip", "glides " + std::to_string(offset));
+  }
+  void findFirstPosterImagePosWithClipCount(int clipCount) override {
+    journal_.add("strip", "places " + std::to_string(clipCount) + " clips");
+  }
 
  private:
   CaptureJournal& journal_;
