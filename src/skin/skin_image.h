@@ -23,8 +23,9 @@ class SkinImage {
   bool isNull() const;
   /// Its own size, in points; empty when there is no picture.
   QSizeF size() const;
-  /// Draws the whole picture, upright, scaled into `target` (the painter's coordinates, y downwards), source-over. It is
-  /// as sharp as the painter's device; where there is no picture nothing is drawn.
+  /// Draws the whole picture, upright, scaled into `target` (the painter's coordinates, y downwards), source-over, its
+  /// opacity (0 to 1) multiplied by the painter's. It is as sharp as the painter's device. Where there is no picture,
+  /// or the target is empty or not finite, nothing is drawn. The painter's state is left as it was.
   void draw(QPainter& painter, const QRectF& target, qreal opacity = 1.0) const;
   /// The same, unscaled, its lower left corner at `corner`.
   void drawUnscaled(QPainter& painter, const QPointF& corner, qreal opacity = 1.0) const;

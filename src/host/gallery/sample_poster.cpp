@@ -11,6 +11,11 @@ namespace zq::host {
 
 namespace {
 
+/// 0 to 1. The standard's own distributions differ from library to library.
+double chance(std::minstd_rand& random) {
+  return static_cast<double>(random() % 1000) / 1000;
+}
+
 void drawSky(QPainter& painter, QSizeF size, int hue) {
   QLinearGradient sky(0, 0, 0, size.height());
   sky.setColorAt(0, QColor::fromHsv(hue, 150, 120));
@@ -20,7 +25,7 @@ void drawSky(QPainter& painter, QSizeF size, int hue) {
 
 void drawHills(QPainter& painter, QSizeF size, int hue, std::minstd_rand& random) {
   for (int hill = 0; hill < 3; ++hill) {
-    const auto level = [&] { return size.height() * (0.45 + 0.17 * hill + 0.12 * (random() % 100) / 100.0); };
+    const auto level = [&] { return size.height() * (0.45 + 0.17 * hill + 0.12 * chance(random)); };
     QPainterPath path(QPointF(0, size.height()));
     path.lineTo(0, level());
     path.cubicTo(size.width() * 0.3, level(), size.width() * 0.6, level(), size.width(), level());
@@ -41,7 +46,7 @@ platform::ImageValue samplePoster(int number, int width) {
   drawSky(painter, size, hue);
   painter.setPen(Qt::NoPen);
   painter.setBrush(QColor(255, 244, 214));
-  const double across = 0.15 + 0.7 * static_cast<double>(random() % 100) / 100;
+  const double across = 0.15 + 0.7 * chance(random);
   painter.drawEllipse(QPointF(size.width() * across, size.height() * 0.3), width * 0.06, width * 0.06);
   drawHills(painter, size, hue, random);
   painter.end();

@@ -69,10 +69,8 @@ TapeValue sampleTape(const SampleTapeOptions& options) {
     const std::string name = "Recording " + std::to_string(number + 1);
     sequences.push_back(std::make_shared<ZQACSequence>(name, name, std::move(clips),
                                                        std::make_shared<const CalendarDate>(2026, 1, 1, 0, 0, 0)));
-    sequences.back()->computeTotalDurationInFrame();
   }
-  auto tape = std::make_shared<ZQACTape>(1, "Sample tape", std::move(sequences));
-  return tape;
+  return std::make_shared<ZQACTape>(1, "Sample tape", std::move(sequences));
 }
 
 }  // namespace zq::host
