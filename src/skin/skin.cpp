@@ -42,9 +42,9 @@ Status Skin::setFolder(const QString& path) {
 }
 
 SkinPictureHandle Skin::picture(const QString& name) {
-  const auto known = pictures_.constFind(name);
-  if (known != pictures_.constEnd()) return *known;
-  return *pictures_.insert(name, loaded(name));
+  const auto known = pictures_.find(name);
+  if (known != pictures_.end()) return known->second;
+  return pictures_.emplace(name, loaded(name)).first->second;
 }
 
 SkinPictureHandle Skin::loaded(const QString& name) const {

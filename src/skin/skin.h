@@ -2,10 +2,10 @@
 // The skin in force: the built-in pictures, and a user's folder whose pictures replace those of the same name.
 
 #include <QCache>
-#include <QHash>
 #include <QImage>
 #include <QSize>
 #include <QString>
+#include <map>
 #include <optional>
 #include <utility>
 
@@ -56,7 +56,7 @@ class Skin {
   Log* log_ = nullptr;
   SkinFolder ours_;
   std::optional<SkinFolder> folder_;
-  QHash<QString, SkinPictureHandle> pictures_;  // null ones too: what is missing is looked for once
+  std::map<QString, SkinPictureHandle> pictures_;  // null ones too: what is missing is looked for once
   QCache<CacheKey, QImage> cache_;
 };
 

@@ -136,7 +136,8 @@ Expected<QImage> overlayPage(qreal scale) {
   ZQTimecodeAndDateView overlay(runtime, &picture);
   overlay.resize(640, 480);
   page.add("Before the first frame", picture);
-  const ClipValue clip = sampleTape({1, 2, 0, 7})->allSequences().front()->allClips().back();
+  const ClipValue clip =
+      sampleTape({.sequences = 1, .clips = 2, .posterWidth = 0})->allSequences().front()->allClips().back();
   overlay.setTimecode(*clip->timecodeStartClip());
   overlay.setDate(clip->dateStartClip());
   letPass(runtime, 0ms);

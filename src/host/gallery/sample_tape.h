@@ -9,8 +9,9 @@ namespace zq::host {
 
 struct SampleTapeOptions {
   int sequences = 4;
-  /// The first sequence has this many clips, each further one a few less, and no fewer than two.
+  /// The first sequence has this many clips, each further one `fewerEach` less, and no fewer than two.
   int clips = 14;
+  int fewerEach = 3;
   /// Width of the pictures in pixels, 3:2; 0 for none.
   int posterWidth = 180;
   std::uint32_t seed = 7;
