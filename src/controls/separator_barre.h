@@ -1,0 +1,19 @@
+#pragma once
+// The bar that parts one area of the recapture window from the next.
+
+#include <QWidget>
+
+namespace zq {
+
+/// Main thread only.
+class ZQRecaptureSeparatorBarre : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit ZQRecaptureSeparatorBarre(QWidget* parent = nullptr) : QWidget(parent) {}
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+};
+
+}  // namespace zq
