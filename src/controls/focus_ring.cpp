@@ -21,15 +21,17 @@ bool isKeyboard(Qt::FocusReason reason) {
 }  // namespace
 
 void FocusRing::focusIn(const QFocusEvent& event) {
+  focused_ = true;
   if (!isInterruption(event.reason())) byKeyboard_ = isKeyboard(event.reason());
 }
 
 void FocusRing::focusOut(const QFocusEvent& event) {
+  focused_ = false;
   if (!isInterruption(event.reason())) byKeyboard_ = false;
 }
 
 void FocusRing::draw(QPainter& painter, const QWidget& control) const {
-  if (!byKeyboard_ || !control.hasFocus()) return;
+  if (!byKeyboard_ || !focused_) return;
   const QRectF bounds = control.rect();
   QPainterPath ring;
   ring.addRect(bounds);

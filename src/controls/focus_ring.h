@@ -17,6 +17,7 @@ class FocusRing {
   void draw(QPainter& painter, const QWidget& control) const;
 
  private:
+  bool focused_ = false;
   bool byKeyboard_ = false;
 };
 

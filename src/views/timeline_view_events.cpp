@@ -11,8 +11,8 @@
 #include <QToolTip>
 #include <mutex>
 
-#include "timecode/timecode_text.h"
 #include "views/clip_stepping.h"
+#include "views/clip_tool_tip.h"
 #include "views/timeline_drawing.h"
 #include "views/timeline_view.h"
 
@@ -34,15 +34,6 @@ ClipValue clipOfSequenceAt(const ZQACSequence& sequence, ZQACTimelineView::Point
     if (contains(clip->posInTimeline(), point.x, point.y)) return clip;
   }
   return nullptr;
-}
-
-/// Rich text in any case, so that a name is never taken for markup; of one line for each.
-QString toolTipOf(const ZQACClip& clip) {
-  QStringList lines{nameOf(clip)};
-  if (clip.dateStartClip()) lines << dateOf(clip);
-  if (clip.clipDuration()) lines << QString::fromStdString(timecodeText(*clip.clipDuration()));
-  for (QString& line : lines) line = line.toHtmlEscaped();
-  return QStringLiteral("<p style='white-space:pre'>") + lines.join(QStringLiteral("<br>")) + QStringLiteral("</p>");
 }
 
 std::optional<ClipStep> stepOfKey(const QKeyEvent& event) {
@@ -147,7 +138,7 @@ bool ZQACTimelineView::event(QEvent* event) {
     return QWidget::event(event);
   }
   const QRectF place = toQt(clip->posInTimeline(), static_cast<float>(height())) & QRectF(rect());
-  QToolTip::showText(help->globalPos(), toolTipOf(*clip), this, place.toAlignedRect());
+  QToolTip::showText(help->globalPos(), clipToolTip(*clip), this, place.toAlignedRect());
   return true;
 }
 
