@@ -34,9 +34,10 @@ void SheetOutlet::orderOut() {
   if (dialog_) dialog_->hide();
 }
 
-// Qt would hide the dialog first; but whoever began the sheet is to find it on screen when it ends.
+// Of the dialog, the only one that is watched. Qt would hide it first; but whoever began the sheet is to find it on
+// screen when it ends.
 bool SheetOutlet::eventFilter(QObject* watched, QEvent* event) {
-  if (watched != dialog_ || !didEnd_ || !isCancel(*event)) return QObject::eventFilter(watched, event);
+  if (!didEnd_ || !isCancel(*event)) return QObject::eventFilter(watched, event);
   event->ignore();
   endSheet();
   return true;

@@ -29,7 +29,7 @@ bool isSurelyUndated(const SharedBytes& frame, std::uint32_t index) {
   const std::size_t sequence = std::size_t{bytes[header + 1]} / 16 * SEQUENCE_SIZE;
   if (sequence + SEQUENCE_SIZE > bytes.size()) return false;
   const auto first = bytes.subspan(sequence + BLOCKS_SIZE, BLOCKS_SIZE);
-  const auto second = bytes.subspan(sequence + 2 * BLOCKS_SIZE, BLOCKS_SIZE);
+  const auto second = bytes.subspan(sequence + std::size_t{2} * BLOCKS_SIZE, BLOCKS_SIZE);
   const auto lacks = [&](std::uint8_t kind) { return !holdsPack(first, kind) && !holdsPack(second, kind); };
   return lacks(kRecordingDatePack) || lacks(kRecordingTimePack);
 }

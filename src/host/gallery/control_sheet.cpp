@@ -226,7 +226,7 @@ ZQAccurateControlPanelButton* transportButton(int tag) {
 }
 
 /// The seven buttons; `change` is made to each.
-QWidget* transport(std::vector<int> tags, void (*change)(ZQAccurateControlPanelButton&)) {
+QWidget* transport(const std::vector<int>& tags, void (*change)(ZQAccurateControlPanelButton&)) {
   auto* panel = new QWidget;
   auto* row = new QHBoxLayout(panel);
   row->setContentsMargins(0, 0, 0, 0);

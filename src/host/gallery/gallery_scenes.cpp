@@ -16,7 +16,7 @@ namespace zq::host {
 
 namespace {
 
-using std::chrono_literals::operator""ms;
+using namespace std::chrono_literals;  // NOLINT(google-build-using-namespace): literals only
 
 constexpr int kWidth = 640;
 

@@ -39,7 +39,7 @@ void drawHills(QPainter& painter, QSizeF size, int hue, std::minstd_rand& random
 platform::ImageValue samplePoster(int number, int width) {
   std::minstd_rand random(static_cast<std::uint32_t>(number) + 1);
   const int hue = static_cast<int>(random() % 360);
-  const QSizeF size(width, width * 2 / 3);
+  const QSizeF size = QSize(width, width * 2 / 3);
   QImage picture(size.toSize(), QImage::Format_RGB32);
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::Antialiasing);

@@ -63,8 +63,9 @@ TapeValue sampleTape(const SampleTapeOptions& options) {
   std::vector<SequenceValue> sequences;
   for (int number = 0; number < options.sequences; ++number) {
     ClipMaker maker(options, static_cast<std::uint32_t>(number));
-    std::vector<ClipValue> clips;
     const int count = number == 0 ? options.clips : std::max(2, options.clips - options.fewerEach * number);
+    std::vector<ClipValue> clips;
+    clips.reserve(static_cast<std::size_t>(count));
     for (int index = 0; index < count; ++index) clips.push_back(maker.next(index));
     const std::string name = "Recording " + std::to_string(number + 1);
     sequences.push_back(std::make_shared<ZQACSequence>(name, name, std::move(clips),
