@@ -85,7 +85,8 @@ class CaptureCommand {
     const auto writers = module.makeMovieWriters(console_);
     const auto compression = module.makeCompression(console_);
     backend::RealRuntime wall;
-    if (options_.realTime) warnIfTooSlow(module, *compression, settings, files.extension, *tape, console_);
+    if (options_.realTime)
+      warnIfTooSlow(module, *compression, settings, files.extension, *tape, console_, Interrupts::wasAsked);
     CaptureRun run({runtime, wall.clock(), settings.live(), *compression, *writers, console_, files.clips, tape,
                     deckOptions(options_.realTime, settings.compression().isCompressed()),
                     lookInterval(options_.realTime), [] { return Interrupts::wasAsked(); }});

@@ -83,6 +83,7 @@ class ConfigCall {
     const auto changes = parseSettings(options_.settings);
     if (!changes.ok()) return Refusal{changes.error(), kExitUsage};
     if (Status words = checkWords(options_.compression); !words.ok()) return Refusal{words.error(), kExitUsage};
+    if (sets(changes.value(), ZQACCaptureMovieVolume)) return Refusal{volumeIsNotKept(), kExitUsage};
     auto all = store_.all();
     if (!all.ok()) return failed(all.error());
     if (!options_.replace && findConfiguration(all.value(), options_.name) != nullptr) return nameTaken(options_.name);
@@ -93,6 +94,15 @@ class ConfigCall {
     saved.values[ZQACConfName] = options_.name;
     putConfiguration(all.value(), std::move(saved));
     return keep(all.value(), "saved", {options_.name});
+  }
+
+  static bool sets(const std::vector<SettingChange>& changes, const std::string& key) {
+    return std::ranges::find(changes, key, &SettingChange::key) != changes.end();
+  }
+
+  static Error volumeIsNotKept() {
+    return {std::string("--set ") + ZQACCaptureMovieVolume + ": a configuration does not keep the volume",
+            "Leave it out; give it to deckhand capture."};
   }
 
   std::optional<Refusal> remove() {
@@ -128,10 +138,22 @@ class ConfigCall {
     auto all = store_.all();
     if (!all.ok()) return failed(all.error());
     for (const StoredConfiguration& added : read.value()) {
+      if (Status usable = checkCustomSettings(added); !usable.ok()) return failed(usable.error());
       if (!options_.replace && findConfiguration(all.value(), added.name()) != nullptr) return nameTaken(added.name());
       putConfiguration(all.value(), added);
     }
     return keep(all.value(), "imported", namesOf(read.value()));
+  }
+
+  /// Data that nobody can read would be refused at every use.
+  Status checkCustomSettings(const StoredConfiguration& configuration) {
+    const auto found = configuration.values.find(ZQACConfCompressionData);
+    if (found == configuration.values.end()) return {};
+    const auto custom = module_.readCustomCompression(std::get<std::vector<std::uint8_t>>(found->second));
+    if (custom.ok()) return {};
+    return Error{options_.file + " was not imported: the settings of custom compression in \"" + configuration.name() +
+                     "\" cannot be read, and nothing changed",
+                 custom.error().informative};
   }
 
   static Refusal nameTaken(const std::string& name) {

@@ -15,12 +15,20 @@ namespace {
 
 using nlohmann::ordered_json;
 
-bool isCustom(const StoredConfiguration& configuration, const CompressionMenu& menu) {
-  return menu.indexOf(configuration.preset) == menu.custom();
+/// What the older scheme's key says, which wins over the others.
+std::optional<int> oldChoice(const StoredConfiguration& configuration, const CompressionMenu& menu) {
+  const auto captureFormat = integerIn(configuration.values, ZQACCaptureOldCompression);
+  if (!captureFormat) return std::nullopt;
+  return isCustomOfOldScheme(*captureFormat) ? menu.custom() : CompressionMenu::kNone;
 }
 
-/// What the configuration compresses with: by the preset that it was saved with, or by its number.
+bool showsCustom(const StoredConfiguration& configuration, const CompressionMenu& menu) {
+  return !oldChoice(configuration, menu) && menu.indexOf(configuration.preset) == menu.custom();
+}
+
+/// What the configuration compresses with: by the older scheme, the preset that it was saved with, or its number.
 std::string compressionOf(const StoredConfiguration& configuration, const CompressionMenu& menu) {
+  if (const auto old = oldChoice(configuration, menu)) return menu.nameAt(*old);
   if (configuration.preset.empty()) {
     const int index = integerIn(configuration.values, ZQACConfCompression).value_or(CompressionMenu::kNone);
     return menu.holds(index) ? menu.nameAt(index) : fmt::format("number {}, not on this machine", index);
@@ -79,7 +87,7 @@ void printConfiguration(const StoredConfiguration& configuration, BackendModule&
     }
   }
   printRow("compression", compressionOf(configuration, menu));
-  if (isCustom(configuration, menu)) printCustom(configuration, module);
+  if (showsCustom(configuration, menu)) printCustom(configuration, module);
 }
 
 }  // namespace zq::host

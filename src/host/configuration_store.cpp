@@ -10,7 +10,7 @@ namespace zq::host {
 namespace {
 
 constexpr char kKey[] = "configurations";
-constexpr char kStored[] = "What is stored of your configurations";
+constexpr char kStored[] = "What is stored of your configurations, under \"configurations\" in Deckhand/deckhand.ini,";
 
 }  // namespace
 
@@ -27,7 +27,9 @@ Expected<std::vector<StoredConfiguration>> ConfigurationStore::all() const {
   const auto stored = settings_.objectForKey(kKey);
   if (!stored) return std::vector<StoredConfiguration>();
   const std::string* text = std::get_if<std::string>(&*stored);
-  return readConfigurations(text != nullptr ? *text : "", kStored);
+  auto read = readConfigurations(text != nullptr ? *text : "", kStored);
+  if (read.ok()) return read;
+  return Error{read.error().message, read.error().informative + " Take that line out of the file, or mend it."};
 }
 
 Expected<StoredConfiguration> ConfigurationStore::named(const std::string& name) const {

@@ -85,7 +85,8 @@ class RecaptureCommand {
     FrameWitness witness(opened.runtime, *writers);
     backend::RealRuntime wall;
     if (options_.realTime) {
-      warnIfTooSlow(module, *compression, opened.settings, opened.extension, *opened.image, console_);
+      warnIfTooSlow(module, *compression, opened.settings, opened.extension, *opened.image, console_,
+                    Interrupts::wasAsked);
     }
     RecaptureRunSetup setup{
         opened.runtime,

@@ -46,11 +46,6 @@ std::optional<Refusal> checkSize(const CompressionWords& words) {
   return misspoken({"--size " + words.size + " is of no use here", "It goes with custom compression only."});
 }
 
-// Of a scheme that knew as received (0, 1) and what the user had chosen.
-bool isOldCustom(int oldFormat) {
-  return oldFormat != 0 && oldFormat != 1;
-}
-
 }  // namespace
 
 Status checkWords(const CompressionWords& words) {
@@ -113,8 +108,9 @@ std::optional<Refusal> RunSettings::layConfiguration(const std::string& name) {
   applyCompressionSettings(values, live_);
   const auto oldFormat = integerIn(values, ZQACCaptureOldCompression);
   if (!oldFormat) return std::nullopt;
-  if (isOldCustom(*oldFormat)) live_.removeObjectForKey(ZQACCaptureCompressionData);
-  live_.setIntegerForKey(ZQACCaptureCompression, isOldCustom(*oldFormat) ? menu().custom() : CompressionMenu::kNone);
+  if (isCustomOfOldScheme(*oldFormat)) live_.removeObjectForKey(ZQACCaptureCompressionData);
+  live_.setIntegerForKey(ZQACCaptureCompression,
+                         isCustomOfOldScheme(*oldFormat) ? menu().custom() : CompressionMenu::kNone);
   return std::nullopt;
 }
 
@@ -208,6 +204,9 @@ std::optional<Refusal> RunSettings::readCustom() {
   compression_.containers = custom.value().containers;
   compression_.customSettings = custom.value().settings;
   compression_.picturesPerFrame = custom.value().picturesPerFrame;
+  // A scaled picture cannot keep both fields.
+  const bool isScaled = pictureSizeName(compression_.sizeTag) != pictureSizeName(kTagOfTape);
+  if (isScaled && compression_.picturesPerFrame == 1) compression_.picturesPerFrame = 2;
   return std::nullopt;
 }
 

@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <system_error>
@@ -15,8 +18,11 @@ namespace {
 
 using platform::QTSampleBuffer;
 
-// Two seconds of tape: an encoder that looks ahead has shown by then what it can do.
+// Two seconds of tape: an encoder that looks ahead has shown by then what it can do. One that is very slow shows it on
+// fewer frames, and nobody waits for minutes to hear of it.
 constexpr std::int64_t kFrames = 50;
+constexpr std::array<std::size_t, 3> kGoes{2, 10, kFrames};
+constexpr double kHopeless = 0.1;
 // The tape's pace, and something for the rest of the machine.
 constexpr double kEnough = 1.1;
 
@@ -59,14 +65,35 @@ std::shared_ptr<const platform::QTCompressionOptions> optionsOf(platform::Compre
   return zq::CustomCompression(compression, settings.live(), log).options(chosen.sizeTag);
 }
 
+struct MeasuredSpeed {
+  Expected<double> speed;
+  std::size_t frames;
+};
+
+MeasuredSpeed measure(BackendModule& module, const std::shared_ptr<const platform::QTCompressionOptions>& options,
+                      const std::string& extension, const std::vector<QTSampleBuffer>& frames,
+                      const std::function<bool()>& stopAsked) {
+  MeasuredSpeed measured{0.0, 0};
+  for (const std::size_t go : kGoes) {
+    measured.frames = std::min(go, frames.size());
+    const auto last = frames.begin() + static_cast<std::ptrdiff_t>(measured.frames);
+    measured.speed = module.measureCompression(options, extension, {frames.begin(), last});
+    const bool isKnown = !measured.speed.ok() || measured.speed.value() < kHopeless || go >= frames.size();
+    if (isKnown || stopAsked()) break;
+  }
+  return measured;
+}
+
 }  // namespace
 
 void warnIfTooSlow(BackendModule& module, platform::CompressionPlatform& compression, RunSettings& settings,
-                   const std::string& extension, backend::TapeImage& tape, Log& log) {
+                   const std::string& extension, backend::TapeImage& tape, Log& log,
+                   const std::function<bool()>& stopAsked) {
   const RunCompression& chosen = settings.compression();
   if (!chosen.isCompressed() || !CaptureSettings(settings.live()).captureMovie()) return;
   const std::vector<QTSampleBuffer> frames = someFrames(tape);
-  const auto speed = module.measureCompression(optionsOf(compression, settings, log), extension, frames);
+  const auto [speed, count] = measure(module, optionsOf(compression, settings, log), extension, frames, stopAsked);
+  if (stopAsked()) return;
   if (!speed.ok()) {
     log.write(LogLevel::warning, "How fast " + chosen.name +
                                      " is compressed on this machine could not be measured: " + speed.error().text());
@@ -75,7 +102,7 @@ void warnIfTooSlow(BackendModule& module, platform::CompressionPlatform& compres
   const std::string measured = fmt::format(
       "{} is compressed at {:.2f} times the tape's pace on this machine, as {} "
       "frames of the tape showed",
-      chosen.name, speed.value(), frames.size());
+      chosen.name, speed.value(), count);
   if (speed.value() >= kEnough) return log.write(LogLevel::info, measured + ".");
   log.write(LogLevel::warning,
             measured + fmt::format("; {:.1f} times are needed. Frames will be lost when the queue of waiting frames is "

@@ -19,6 +19,11 @@ struct StoredConfiguration {
   std::string name() const { return configurationName(values); }
 };
 
+/// What "captureFormat" means: of a scheme that knew as received (0, 1) and what the user had chosen.
+inline bool isCustomOfOldScheme(int captureFormat) {
+  return captureFormat != 0 && captureFormat != 1;
+}
+
 /// An error for a name that is empty or blank, or not of characters that can be seen.
 Status checkConfigurationName(const std::string& name);
 

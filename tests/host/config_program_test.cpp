@@ -155,6 +155,19 @@ TEST_F(ConfigProgram, RefusesWhatASettingDoesNotTake) {
   expectRefused(config({"save", "a", "--custom", "codec=h264"}), 2, "--compression custom only", {});
 }
 
+TEST_F(ConfigProgram, SaysThatTheVolumeIsNotKept) {
+  expectRefused(config({"save", "a", "--set", "movieVolume=0.5"}), 2, "a configuration does not keep the volume", {});
+}
+
+// It wins over the other keys, and means settings that are to be chosen anew.
+TEST_F(ConfigProgram, ShowsWhatAnOldKeyMeans) {
+  writeText(folder / "list.json", R"({"deckhandConfigurations": 1, "configurations":
+      [{"optionsName": "own", "captureFormat": 7}, {"optionsName": "dv", "captureFormat": 1}]})");
+  EXPECT_EQ(config({"import", folder / "list.json"}).exitCode, 0);
+  EXPECT_NE(config({"show", "own"}).out.find("compression              Custom"), std::string::npos);
+  EXPECT_NE(config({"show", "dv"}).out.find("compression              None"), std::string::npos);
+}
+
 TEST_F(ConfigProgram, AnExportWritesOverNothing) {
   save("a");
   writeText(folder / "mine.json", "mine");
@@ -173,7 +186,10 @@ TEST_F(ConfigProgram, AnImportThatIsDamagedOrNewerIsRefusedWhole) {
            {R"({"deckhandConfigurations": 1, "configurations": [{"optionsName": "b"}, {"optionsName": ""}]})",
             "configuration 2"},
            {R"({"deckhandConfigurations": 1, "configurations": [{"optionsName": "b", "nbDropFrame": "x"}]})",
-            "nbDropFrame"}}) {
+            "nbDropFrame"},
+           {R"({"deckhandConfigurations": 1, "configurations":
+               [{"optionsName": "b", "captureMovieCompressionData": "AAAA"}]})",
+            "the settings of custom compression in \"b\" cannot be read"}}) {
     writeText(file, text);
     expectRefused(config({"import", file, "--replace"}), 1, message, {"a"});
   }
@@ -187,7 +203,7 @@ TEST_F(ConfigProgram, StoredConfigurationsThatCannotBeReadAreNotWrittenOver) {
   writeText(folder / "list.json", R"({"deckhandConfigurations": 1, "configurations": [{"optionsName": "b"}]})");
   for (const Words& action : {Words{"list"}, Words{"show", "a"}, Words{"save", "a"}, Words{"delete", "a"},
                               Words{"export", folder / "out.json"}, Words{"import", folder / "list.json"}}) {
-    CompressionProgram::expectRefused(config(action), 1, "What is stored of your configurations cannot be read");
+    CompressionProgram::expectRefused(config(action), 1, "in Deckhand/deckhand.ini, cannot be read");
     EXPECT_NE(settings().find(line), std::string::npos) << settings();
   }
 }

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "capture/capture_settings.h"
 #include "support/backend_module_fake.h"
 #include "support/compression_fakes.h"
@@ -27,10 +29,11 @@ class SpeedCheck : public ::testing::Test {
     EXPECT_TRUE(tape.ok());
     RunSettings settings(runtime, stored, module);
     EXPECT_FALSE(settings.lay(RunSettings::Start::stored, {"", compression, {}, ""}, changes));
-    warnIfTooSlow(module, platform, settings, "mov", *tape.value(), log);
+    warnIfTooSlow(module, platform, settings, "mov", *tape.value(), log, stopAsked);
     return log.lines;
   }
 
+  std::function<bool()> stopAsked = [] { return false; };
   test::ScratchFolder folder;
   backend::RealRuntime runtime;
   backend::MemorySettings stored{runtime};
@@ -56,6 +59,24 @@ TEST_F(SpeedCheck, OneThatKeepsUpIsNoWarning) {
   const auto lines = check("small", 300);
   ASSERT_EQ(lines.size(), 1U);
   EXPECT_EQ(lines[0].level, LogLevel::info);
+}
+
+TEST_F(SpeedCheck, AHopelessOneIsTriedOnTwoFramesOnly) {
+  module.speed = 0.09;
+  const auto lines = check("small", 300);
+  ASSERT_EQ(lines.size(), 1U);
+  EXPECT_TRUE(
+      lines[0].message.starts_with("Small Film is compressed at 0.09 times the tape's pace on this machine, as "
+                                   "2 frames of the tape showed; 1.1 times are needed."))
+      << lines[0].message;
+  EXPECT_EQ(module.measuredFrames, 2U);
+}
+
+TEST_F(SpeedCheck, WhoAsksToStopDoesNotWaitForAllGoesAndHearsNothing) {
+  stopAsked = [] { return true; };
+  module.speed = 0.5;
+  EXPECT_TRUE(check("small", 300).empty());
+  EXPECT_EQ(module.measuredFrames, 2U);
 }
 
 TEST_F(SpeedCheck, AShortTapeIsMeasuredWithWhatItHas) {

@@ -38,12 +38,14 @@ std::string sourceFor(DVSystem system) {
 
 struct PictureFilter::Context {
   Status open(DVSystem system, const std::string& filters);
-  Status pull(const Sink& sink);
+  Status pull(const Sink& take);
 
   // Without a graph pictures pass as they are.
   std::unique_ptr<AVFilterGraph, GraphDeleter> graph;
   AVFilterContext* source = nullptr;
-  AVFilterContext* end = nullptr;
+  AVFilterContext* sink = nullptr;
+  /// Of the last picture, in frames of the tape.
+  std::int64_t end = 0;
   const Picture in = newPicture();
   const Picture out = newPicture();
 };
@@ -55,14 +57,14 @@ Status PictureFilter::Context::open(DVSystem system, const std::string& filters)
                                             nullptr, graph.get());
   if (result >= 0) {
     result =
-        avfilter_graph_create_filter(&end, avfilter_get_by_name("buffersink"), "out", nullptr, nullptr, graph.get());
+        avfilter_graph_create_filter(&sink, avfilter_get_by_name("buffersink"), "out", nullptr, nullptr, graph.get());
   }
   if (result < 0) return filterError(result);
   AVFilterInOut* outputs = avfilter_inout_alloc();
   AVFilterInOut* inputs = avfilter_inout_alloc();
   if (!outputs || !inputs) throw std::bad_alloc();
   *outputs = {av_strdup("in"), source, 0, nullptr};
-  *inputs = {av_strdup("out"), end, 0, nullptr};
+  *inputs = {av_strdup("out"), sink, 0, nullptr};
   result = avfilter_graph_parse_ptr(graph.get(), filters.c_str(), &inputs, &outputs, nullptr);
   avfilter_inout_free(&inputs);
   avfilter_inout_free(&outputs);
@@ -70,13 +72,13 @@ Status PictureFilter::Context::open(DVSystem system, const std::string& filters)
   return result < 0 ? Status(filterError(result)) : Status();
 }
 
-Status PictureFilter::Context::pull(const Sink& sink) {
+Status PictureFilter::Context::pull(const Sink& take) {
   while (true) {
     av_frame_unref(out.get());
-    const int result = av_buffersink_get_frame(end, out.get());
+    const int result = av_buffersink_get_frame(sink, out.get());
     if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return {};
     if (result < 0) return filterError(result);
-    Status taken = sink(*out);
+    Status taken = take(*out);
     if (!taken.ok()) return taken;
   }
 }
@@ -100,6 +102,7 @@ Status PictureFilter::filter(const AVFrame& decoded, std::int64_t number, const 
   const int referenced = av_frame_ref(c.in.get(), &decoded);
   if (referenced < 0) return filterError(referenced);
   c.in->pts = number;
+  c.end = number + 1;
   // The shape of a pixel is the plan's; a change of it in the middle would have the graph made anew.
   c.in->sample_aspect_ratio = {0, 1};
   if (!c.graph) return sink(*c.in);
@@ -110,7 +113,8 @@ Status PictureFilter::filter(const AVFrame& decoded, std::int64_t number, const 
 Status PictureFilter::finish(const Sink& sink) {
   Context& c = *context_;
   if (!c.graph) return {};
-  const int ended = av_buffersrc_add_frame(c.source, nullptr);
+  // Told when the last frame ends, a filter that makes another rate knows how long it is shown.
+  const int ended = av_buffersrc_close(c.source, c.end, 0);
   return ended < 0 ? Status(filterError(ended)) : c.pull(sink);
 }
 

@@ -68,8 +68,7 @@ std::string scaleFilter(const PicturePlan& plan) {
 std::string filtersFor(DVSystem system, const CompressionSettings& settings, const PicturePlan& plan, bool scaled) {
   std::vector<std::string> filters;
   if (!plan.interlaced) {
-    const char* mode = settings.scan == Scan::keep ? "send_frame" : "send_field";
-    filters.push_back(fmt::format("bwdif=mode={}:parity=bff:deint=all", mode));
+    filters.emplace_back("bwdif=mode=send_field:parity=bff:deint=all");
     // The first of those that fall together: it is of the earlier field.
     const FrameRate rate = settings.frameRate;
     if (rate.numerator != 0) filters.push_back(fmt::format("fps=fps={}/{}", rate.numerator, rate.denominator));
@@ -79,10 +78,10 @@ std::string filtersFor(DVSystem system, const CompressionSettings& settings, con
   return fmt::format("{}", fmt::join(filters, ","));
 }
 
-AVRational frameRateFor(DVSystem system, const CompressionSettings& settings) {
+AVRational frameRateFor(DVSystem system, const CompressionSettings& settings, bool interlaced) {
   if (settings.frameRate.numerator != 0) return {settings.frameRate.numerator, settings.frameRate.denominator};
   const FrameRate tape = frameRateOf(system);
-  return {settings.scan == Scan::keep ? tape.numerator : 2 * tape.numerator, tape.denominator};
+  return {interlaced ? tape.numerator : 2 * tape.numerator, tape.denominator};
 }
 
 }  // namespace
@@ -100,7 +99,7 @@ PicturePlan planPictures(DVSystem system, bool wideScreen, const CompressionSett
   plan.height = target.height;
   plan.pixelShape = pixelShapeFor(wideScreen, target);
   plan.interlaced = settings.scan == Scan::keep && !scaled;
-  plan.frameRate = frameRateFor(system, settings);
+  plan.frameRate = frameRateFor(system, settings, plan.interlaced);
   plan.pixelFormat =
       settings.codec->pixelFormat == AV_PIX_FMT_NONE ? decodedFormatOf(system) : settings.codec->pixelFormat;
   plan.range = settings.codec->fullRange ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;

@@ -31,8 +31,8 @@ struct PicturePlan {
   std::string filters;
 };
 
-/// A picture that is scaled is deinterlaced, as the lines of its fields are lost. Where the settings keep the scan, it
-/// is still one picture for a frame.
+/// A picture that is scaled cannot keep its fields, whose lines are lost: each becomes a picture, whatever the settings
+/// say, so that no movement is.
 PicturePlan planPictures(DVSystem system, bool wideScreen, const CompressionSettings& settings, PictureSize size);
 
 /// How the tape's decoder gives them.

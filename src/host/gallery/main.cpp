@@ -12,6 +12,7 @@
 #include "host/exit_codes.h"
 #include "host/gallery/gallery_pictures.h"
 #include "host/gallery/gallery_window.h"
+#include "host/not_empty.h"
 #include "skin/skin.h"
 
 namespace {
@@ -62,8 +63,10 @@ int main(int argc, char** argv) {
   CLI::App app("Shows every view and control of Deckhand in every state", "deckhand-gallery");
   app.set_version_flag("--version", "deckhand-gallery " DECKHAND_VERSION);
   GalleryOptions options;
-  app.add_option("--output", options.output, "Save pictures in this folder, made if need be, instead of a window");
-  app.add_option("--skin", options.skin, "A folder of pictures that replace those of the same names");
+  app.add_option("--output", options.output, "Save pictures in this folder, made if need be, instead of a window")
+      ->check(notEmpty());
+  app.add_option("--skin", options.skin, "A folder of pictures that replace those of the same names")
+      ->check(notEmpty());
   app.footer(
       "Exit codes: 0 done; 1 not done; 2 wrong command line.\n"
       "Examples:\n"
