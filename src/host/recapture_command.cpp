@@ -12,6 +12,7 @@
 #include "host/exit_codes.h"
 #include "host/frame_witness.h"
 #include "host/interrupts.h"
+#include "host/picture_size.h"
 #include "host/recapture_plan.h"
 #include "host/recapture_report.h"
 #include "host/recapture_run.h"
@@ -116,7 +117,10 @@ class RecaptureCommand {
   int finish(const RecaptureOutcome& outcome, const Opened& opened) {
     const RunCompression& chosen = opened.settings.compression();
     RecaptureReport report(options_.tape, options_.manual, outcome);
-    if (chosen.isCompressed()) report.setCompression(opened.extension, chosen.name, chosen.customSettings);
+    report.setConfiguration(options_.compression.configuration);
+    if (chosen.isCompressed()) {
+      report.setCompression(opened.extension, chosen.name, chosen.customSettings, pictureSizeName(chosen.sizeTag));
+    }
     if (options_.json) {
       fmt::print("{}\n", report.json().dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
     } else if (!outcome.clips.empty()) {

@@ -61,10 +61,12 @@ std::vector<std::string> RecaptureReport::failures() const {
   return lines;
 }
 
-void RecaptureReport::setCompression(std::string format, std::string name, std::vector<std::string> settings) {
+void RecaptureReport::setCompression(std::string format, std::string name, std::vector<std::string> settings,
+                                     std::string size) {
   format_ = std::move(format);
   compression_ = std::move(name);
   customCompression_ = std::move(settings);
+  pictureSize_ = std::move(size);
 }
 
 ordered_json RecaptureReport::json() const {
@@ -75,10 +77,14 @@ ordered_json RecaptureReport::json() const {
     alerts.push_back({{"message", alert.message}, {"informative", alert.informative}});
   }
   ordered_json report = {{"tape", tape_}, {"mode", manual_ ? "manual" : "automatic"}};
+  if (!configuration_.empty()) report["configuration"] = configuration_;
   if (!compression_.empty()) {
     report["format"] = format_;
     report["compression"] = compression_;
-    if (!customCompression_.empty()) report["customCompression"] = customCompression_;
+    if (!customCompression_.empty()) {
+      report["customCompression"] = customCompression_;
+      report["pictureSize"] = pictureSize_;
+    }
   }
   report["clips"] = clips;
   report["recaptured"] = count(RecapturedClip::Status::recaptured);

@@ -14,8 +14,10 @@ class RecaptureReport {
   RecaptureReport(std::string tape, bool manual, const RecaptureOutcome& outcome)
       : tape_(std::move(tape)), manual_(manual), outcome_(outcome) {}
 
-  /// The movies were compressed: their extension, the choice's name and, of a custom one, its settings.
-  void setCompression(std::string format, std::string name, std::vector<std::string> settings);
+  /// The movies were compressed: their extension, the choice's name and, of a custom one, its settings and size.
+  void setCompression(std::string format, std::string name, std::vector<std::string> settings, std::string size);
+  /// The named configuration that was asked for; "" for none.
+  void setConfiguration(std::string name) { configuration_ = std::move(name); }
 
   nlohmann::ordered_json json() const;
   /// Fits a terminal of 80 columns.
@@ -31,6 +33,8 @@ class RecaptureReport {
   std::string format_;
   std::string compression_;  // "" for movies as received
   std::vector<std::string> customCompression_;
+  std::string pictureSize_;
+  std::string configuration_;
 };
 
 }  // namespace zq::host

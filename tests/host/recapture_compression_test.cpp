@@ -61,6 +61,8 @@ TEST_F(RecaptureCompression, CustomSettingsAndAConfigurationAreTheRunsOnly) {
   const json report = recapture({"--config", "small"});
   EXPECT_EQ(report.at("recaptured"), 3) << report.dump(2);
   EXPECT_EQ(report.at("customCompression").at(0), "codec=mjpeg");
+  EXPECT_EQ(report.at("pictureSize"), "320x240");
+  EXPECT_EQ(report.at("configuration"), "small");
   EXPECT_EQ(videoOf(folder / "again/2004-07-15T14-00-00.mov"), "mjpeg,320,240,198");
   EXPECT_EQ(settings(), before);
 }
