@@ -100,7 +100,9 @@ void RecaptureScreen::showSequence(const SequenceValue& sequence) const {
 void RecaptureScreen::showClip(const ClipValue& clip) const {
   if (outlets_.timelineView == nullptr) return;
   outlets_.timelineView->setCurrentClip(clip);
-  runtime_.mainLoop().post([view = outlets_.timelineView] { view->myMethodeWhenClipClicked(); });
+  runtime_.mainLoop().post([view = outlets_.timelineView, alive = std::weak_ptr(alive_)] {
+    if (!alive.expired()) view->myMethodeWhenClipClicked();
+  });
 }
 
 void RecaptureScreen::showClipBeingRecaptured(const ClipValue& clip) const {

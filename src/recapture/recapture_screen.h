@@ -1,6 +1,7 @@
 #pragma once
 // The outlets of the recapture controller, spoken to whether they are there or not.
 
+#include <memory>
 #include <string>
 
 #include "platform/runtime.h"
@@ -12,6 +13,8 @@ namespace zq {
 class RecaptureScreen {
  public:
   RecaptureScreen(platform::Runtime& runtime, const RecaptureOutlets& outlets) : runtime_(runtime), outlets_(outlets) {}
+  RecaptureScreen(const RecaptureScreen&) = delete;
+  RecaptureScreen& operator=(const RecaptureScreen&) = delete;
 
   // The window's life.
   void connect(platform::QTCaptureSession& session) const;
@@ -40,6 +43,8 @@ class RecaptureScreen {
  private:
   platform::Runtime& runtime_;
   const RecaptureOutlets outlets_;
+  /// Goes with the screen, so that what is still posted leaves the outlets alone.
+  const std::shared_ptr<int> alive_ = std::make_shared<int>();
 };
 
 }  // namespace zq

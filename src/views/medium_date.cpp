@@ -1,6 +1,7 @@
 #include "views/medium_date.h"
 
 #include <QDate>
+#include <QRegularExpression>
 #include <QStringList>
 #include <algorithm>
 #include <array>
@@ -48,9 +49,18 @@ void dropWeekday(QStringList& parts) {
   while (parts.last().endsWith(' ') || parts.last().endsWith(',')) parts.last().chop(1);
 }
 
+// "15 de julio de 2004": what joins the fields goes where each of them stands alone without it.
+void dropWordsBetween(QStringList& parts) {
+  static const QRegularExpression word(QStringLiteral(R"(^\s+'[^']+'\s+$)"));
+  for (qsizetype i = 1; i + 1 < parts.size(); ++i) {
+    if (word.match(parts[i]).hasMatch()) parts[i] = QStringLiteral(" ");
+  }
+}
+
 QString withShortMonth(const QLocale& locale) {
   QStringList parts = partsOf(locale.dateFormat(QLocale::LongFormat));
   dropWeekday(parts);
+  dropWordsBetween(parts);
   return parts.replaceInStrings(QStringLiteral("MMMM"), QStringLiteral("MMM")).join(QString());
 }
 

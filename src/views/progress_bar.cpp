@@ -12,14 +12,14 @@ namespace {
 
 constexpr float kCapWidth = 2;
 constexpr float kBarHeight = 6;
-/// A bar that is nearly full is closed: the last frames of a clip come in one go.
+/// Intended: past this part of the clip the bar is closed, a little before the clip is done.
 constexpr float kClosedFrom = 0.99F;
 
 SkinImage skinImage(const char* name) {
   return imageNamedInFrameworkForClass(name, "ZQACThumbnailView");
 }
 
-// Asked for once, by the first bar that is drawn.
+/// For all bars.
 const ProgressBarSlices& emptySlices() {
   static const ProgressBarSlices slices{skinImage("progressBarEmptyLeft"), skinImage("progressBarEmptyMiddle"),
                                         skinImage("progressBarEmptyRight")};
@@ -64,6 +64,11 @@ float fractionDone(const ZQACClip& clip, const SMPTETime& cursor) {
   return static_cast<float>(done) / static_cast<float>(clip.durationInFrame());
 }
 
+void ProgressBarDrawing::initialize() {
+  emptySlices();
+  fullSlices();
+}
+
 void ProgressBarDrawing::drawProgressBarInClip(const ZQACClip& clip, const ZQACClip* clipBeingRecap,
                                                const SMPTETime& cursor) const {
   if (!clip.isRecapture()) return;
@@ -94,7 +99,7 @@ void ProgressBarDrawing::drawPart(const platform::Rect& bar, float fraction) con
 }
 
 void ProgressBarDrawing::draw(const SkinImage& image, const platform::Rect& rect) const {
-  if (rect.width > 0) image.draw(painter_, toQt(rect, viewHeight_));
+  if (rect.width > 0) image.draw(painter_, pixels_.snapped(toQt(rect, viewHeight_)));
 }
 
 }  // namespace zq

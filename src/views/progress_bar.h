@@ -5,6 +5,7 @@
 #include "platform/geometry.h"
 #include "skin/skin_image.h"
 #include "timecode/smpte_time.h"
+#include "views/pixel_grid.h"
 
 class QPainter;
 
@@ -19,8 +20,12 @@ struct ProgressBarSlices {
 
 class ProgressBarDrawing {
  public:
+  /// Before the first drawing: asks for the pictures that all bars share, once.
+  static void initialize();
+
   /// `viewHeight` in points; the painter's origin is the upper left corner of the view.
-  ProgressBarDrawing(QPainter& painter, float viewHeight) : painter_(painter), viewHeight_(viewHeight) {}
+  ProgressBarDrawing(QPainter& painter, float viewHeight)
+      : painter_(painter), viewHeight_(viewHeight), pixels_(painter) {}
 
   /// Into the clip's progressBar(). `cursor` is the timecode of the frame that is played.
   void drawProgressBarInClip(const ZQACClip& clip, const ZQACClip* clipBeingRecap, const SMPTETime& cursor) const;
@@ -32,6 +37,7 @@ class ProgressBarDrawing {
 
   QPainter& painter_;
   const float viewHeight_;
+  const PixelGrid pixels_;
 };
 
 /// How much of the clip lies before `cursor`, as a part of 1; less than 0 or more than 1 outside of it.

@@ -22,8 +22,8 @@ class StripScroll {
   /// With poster number `index` this far to the right of the view's middle, as far as there is no gap at an end. A
   /// strip that is narrower than the view is put at its right.
   float withPosterAt(std::int32_t index, float offsetFromMiddle) const;
-  /// Whether another step of rolling follows. The last one may pass the end of the strip by up to its length: intended,
-  /// a strip that stopped short of its last points would look as if there were more to come.
+  /// Whether another step of rolling follows. Intended: the last one may pass the end of the strip by less than its
+  /// length.
   bool canRollToLeft(float position) const { return position > viewWidth_ - fullWidth_; }
   bool canRollToRight(float position) const { return position < 0; }
   /// Without a gap at an end; for strips that overflow.

@@ -2,7 +2,6 @@
 
 #include <QImage>
 #include <QPainter>
-#include <cmath>
 
 #include "views/poster_size.h"
 #include "views/view_coordinates.h"
@@ -27,10 +26,6 @@ const QColor kActive = QColor::fromRgbF(1.0F, 0.922F, 0.549F, 1.0F);
 /// Over the clips that are not to be recaptured.
 const QColor kVeil = deviceWhite(0.5F, 0.6F);
 
-qreal scaleOf(const QTransform& toPixels) {
-  return std::hypot(toPixels.m11(), toPixels.m12());
-}
-
 }  // namespace
 
 ThumbnailDrawing::ThumbnailDrawing(QPainter& painter, PosterCache& posters, ThumbnailStripState state)
@@ -38,9 +33,8 @@ ThumbnailDrawing::ThumbnailDrawing(QPainter& painter, PosterCache& posters, Thum
       posters_(posters),
       state_(std::move(state)),
       progressBars_(painter, state_.bounds.height),
-      toPixels_(painter.deviceTransform()),
-      toPoints_(toPixels_.inverted()),
-      scale_(scaleOf(toPixels_)),
+      pixels_(painter),
+      scale_(pixelsPerPoint(painter)),
       bandColor_(deviceWhite(0.05F, state_.transparency)) {}
 
 void ThumbnailDrawing::drawRect(const platform::Rect& area) {
@@ -137,10 +131,7 @@ void ThumbnailDrawing::strokeWithoutAntialiasing(const platform::Rect& rect, con
 // A strip that glides stops at parts of a pixel on its way. Its posters are drawn on whole ones, where they are as
 // sharp as at rest, and are copied instead of resampled.
 QRectF ThumbnailDrawing::onWholePixels(const platform::Rect& rect) const {
-  const QRectF pixels = toPixels_.mapRect(toQt(rect, state_.bounds.height));
-  const QPointF corner(std::round(pixels.left()), std::round(pixels.top()));
-  const QPointF opposite(std::round(pixels.right()), std::round(pixels.bottom()));
-  return toPoints_.mapRect(QRectF(corner, opposite));
+  return pixels_.snapped(toQt(rect, state_.bounds.height));
 }
 
 QPointF ThumbnailDrawing::point(float x, float y) const {

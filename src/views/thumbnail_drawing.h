@@ -4,12 +4,12 @@
 #include <QColor>
 #include <QPointF>
 #include <QRectF>
-#include <QTransform>
 #include <array>
 #include <utility>
 
 #include "catalogue/clip.h"
 #include "platform/geometry.h"
+#include "views/pixel_grid.h"
 #include "views/poster_cache.h"
 #include "views/progress_bar.h"
 #include "views/thumbnail_strip_state.h"
@@ -44,8 +44,7 @@ class ThumbnailDrawing {
   PosterCache& posters_;
   const ThumbnailStripState state_;
   const ProgressBarDrawing progressBars_;
-  const QTransform toPixels_;
-  const QTransform toPoints_;
+  const PixelGrid pixels_;
   /// Device pixels a point.
   const qreal scale_;
   const QColor bandColor_;

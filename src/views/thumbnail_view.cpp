@@ -7,11 +7,14 @@
 #include <utility>
 
 #include "outlets/binding_area.h"
+#include "views/progress_bar.h"
+#include "views/replace_object.h"
 #include "views/strip_scroll.h"
 #include "views/thumbnail_drawing.h"
 #include "views/view_coordinates.h"
 
-// Set-up, setters and drawing. What moves the strip is in thumbnail_view_moving.cpp.
+// Set-up, setters and drawing. What moves the strip is in thumbnail_view_moving.cpp, what the user does in
+// thumbnail_view_events.cpp.
 
 namespace zq {
 namespace {
@@ -23,9 +26,15 @@ constexpr float kBandHeight = 40;
 
 ZQACThumbnailView::ZQACThumbnailView(platform::Runtime& runtime, QWidget* parent)
     : QWidget(parent), runtime_(runtime), mutex_(runtime.makeMutex("thumbnail view")), mainThread_(runtime.mainLoop()) {
+  ProgressBarDrawing::initialize();
   setMouseTracking(true);
   setAccessibleName(QStringLiteral("Thumbnail strip"));
   takeBounds();
+}
+
+ZQACThumbnailView::~ZQACThumbnailView() {
+  endGlide();
+  endRolling();
 }
 
 void ZQACThumbnailView::setBindingAreaView(outlets::BindingArea* view) {
@@ -51,25 +60,13 @@ void ZQACThumbnailView::setActiveSequence(SequenceValue sequence) {
 }
 
 void ZQACThumbnailView::setActiveClip(ClipValue clip) {
-  ClipValue previous;
-  outlets::BindingArea* bindingArea = nullptr;
-  {
-    const std::lock_guard guard(*mutex_);
-    if (clip == state_.activeClip) return;
-    previous = std::exchange(state_.activeClip, clip);
-    bindingArea = state_.bindingAreaView;
-  }
-  if (bindingArea != nullptr) bindingArea->setActiveClip(std::move(clip));
+  if (!replaceObject(*mutex_, state_.activeClip, clip)) return;
+  if (outlets::BindingArea* bindingArea = bindingAreaView()) bindingArea->setActiveClip(std::move(clip));
   postRefresh();
 }
 
 void ZQACThumbnailView::setClipBeingRecap(ClipValue clip) {
-  {
-    const std::lock_guard guard(*mutex_);
-    if (clip == state_.clipBeingRecap) return;
-    std::swap(state_.clipBeingRecap, clip);
-  }
-  postRefresh();
+  if (replaceObject(*mutex_, state_.clipBeingRecap, std::move(clip))) postRefresh();
 }
 
 void ZQACThumbnailView::setCursorTimecode(const SMPTETime& timecode) {
@@ -103,7 +100,7 @@ void ZQACThumbnailView::refresh() {
 }
 
 void ZQACThumbnailView::refreshInRect(const platform::Rect& rect) {
-  update(toQt(rect, static_cast<float>(height())).toAlignedRect());
+  update(wholePointsInView(rect, size()));
 }
 
 void ZQACThumbnailView::postRefresh() {

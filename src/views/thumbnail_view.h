@@ -27,6 +27,8 @@ class ZQACThumbnailView final : public QWidget, public outlets::ThumbnailStrip {
   };
 
   explicit ZQACThumbnailView(platform::Runtime& runtime, QWidget* parent = nullptr);
+  /// Invalidates the timers, whoever else holds them.
+  ~ZQACThumbnailView() override;
 
   /// The band between the timeline and this view. It is not owned: it stays until another one, or null, is set.
   void setBindingAreaView(outlets::BindingArea* view) override;
@@ -90,8 +92,10 @@ class ZQACThumbnailView final : public QWidget, public outlets::ThumbnailStrip {
   void pointerMoved(const QPointF& position);
   void pointerLeft();
   void endGlide();
+  void endRolling();
+  bool centreStripThatFits();
   bool scrollBy(float points);
-  QString toolTipAt(Point point) const;
+  ClipValue clipShownAt(Point point) const;
 
   // Constant after construction.
   platform::Runtime& runtime_;

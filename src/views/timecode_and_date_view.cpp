@@ -1,7 +1,6 @@
 #include "views/timecode_and_date_view.h"
 
 #include <QFont>
-#include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QLocale>
 #include <QPainter>
@@ -10,6 +9,8 @@
 
 #include "platform/geometry.h"
 #include "views/medium_date.h"
+#include "views/replace_object.h"
+#include "views/timecode_label.h"
 #include "views/view_coordinates.h"
 
 namespace zq {
@@ -19,26 +20,7 @@ constexpr platform::Rect kTimecodeLabel{10, 455, 72, 15};
 constexpr platform::Rect kDateLabel{90, 455, 82, 15};
 constexpr qreal kCornerRadius = 10;
 constexpr qreal kLabelLineWidth = 2;
-constexpr int kFontSize = 11;
 const QColor kDateGreen = QColor::fromRgbF(0.1F, 0.5F, 0.2F, 1.0F);
-
-// Helvetica, or a font of the same widths by another name, so that a timecode fits its label; or else the
-// application's. In pixels, which are points here: the labels do not grow with the font settings of the desktop.
-QFont labelFont() {
-  QFont font;
-  for (const char* family : {"Helvetica", "Nimbus Sans", "Liberation Sans", "Arimo", "Arial"}) {
-    if (!QFontDatabase::hasFamily(family)) continue;
-    font = QFont(family);
-    break;
-  }
-  font.setPixelSize(kFontSize);
-  return font;
-}
-
-QString textOf(const SMPTETime& timecode) {
-  return QString::asprintf("%02d:%02d:%02d.%02d", timecode.mHours, timecode.mMinutes, timecode.mSeconds,
-                           timecode.mFrames);
-}
 
 QString textOf(const DateValue& date) {
   return date ? mediumDateText(*date, QLocale()) : QString();
@@ -73,12 +55,7 @@ void ZQTimecodeAndDateView::setTimecode(const SMPTETime& timecode) {
 }
 
 void ZQTimecodeAndDateView::setDate(DateValue date) {
-  {
-    const std::lock_guard guard(*displayLock_);
-    if (date == date_) return;
-    std::swap(date_, date);
-  }
-  setNeedsDisplay();
+  if (replaceObject(*displayLock_, date_, std::move(date))) setNeedsDisplay();
 }
 
 // What was said last holds, also when a thread's word is carried out after a later one of the main thread.
@@ -129,7 +106,7 @@ void ZQTimecodeAndDateView::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setFont(font);
-  drawLabel(painter, toQt(kTimecodeLabel, viewHeight), Qt::black, textOf(timecode_));
+  drawLabel(painter, toQt(kTimecodeLabel, viewHeight), Qt::black, QString::fromStdString(timecodeLabel(timecode_)));
   drawLabel(painter, toQt(kDateLabel, viewHeight), kDateGreen, textOf(date_));
 }
 

@@ -80,7 +80,8 @@ class Row {
 TimelineDrawing::TimelineDrawing(QPainter& painter, TimelineContents contents)
     : painter_(painter),
       contents_(std::move(contents)),
-      row_(contents_.bounds.width, painter.deviceTransform().m11()) {}
+      pixels_(painter),
+      row_(contents_.bounds.width, pixelsPerPoint(painter)) {}
 
 void TimelineDrawing::initialize() {
   pictures();
@@ -93,12 +94,12 @@ void TimelineDrawing::drawRect(const platform::Rect& area) {
 
   painter_.save();
   painter_.setClipRect(toQt(bounds, bounds.height), Qt::IntersectClip);
-  painter_.setRenderHint(QPainter::Antialiasing);
+  painter_.setRenderHint(QPainter::Antialiasing, false);
   drawFrame();
   drawSequences(track, area);
-  row_.draw(painter_, toQt({bounds.x, track.y, bounds.width, track.height}, bounds.height));
+  row_.draw(painter_, onWholePixels({bounds.x, track.y, bounds.width, track.height}));
   drawCursorIntersectedRect(contents_.cursorRect, area);
-  pictures().shadow.draw(painter_, toQt(track, bounds.height));
+  pictures().shadow.draw(painter_, onWholePixels(track));
   painter_.restore();
 }
 
@@ -107,9 +108,13 @@ void TimelineDrawing::drawFrame() {
   const platform::Rect left{b.x, b.y, kFrameSide, b.height};
   const platform::Rect middle{kFrameSide, b.y, b.width - 2 * kFrameSide, b.height};
   const platform::Rect right{b.width - kFrameSide, b.y, kFrameSide, b.height};
-  pictures().left.draw(painter_, toQt(left, b.height));
-  pictures().middle.draw(painter_, toQt(middle, b.height));
-  pictures().right.draw(painter_, toQt(right, b.height));
+  pictures().left.draw(painter_, onWholePixels(left));
+  pictures().middle.draw(painter_, onWholePixels(middle));
+  pictures().right.draw(painter_, onWholePixels(right));
+}
+
+QRectF TimelineDrawing::onWholePixels(const platform::Rect& rect) const {
+  return pixels_.snapped(toQt(rect, contents_.bounds.height));
 }
 
 void TimelineDrawing::drawSequences(const platform::Rect& track, const platform::Rect& area) {
@@ -146,13 +151,16 @@ void TimelineDrawing::drawClipIntersectedRect(const ZQACClip& clip, const platfo
   row_.fill(right - kLineWidth / 2, right + kLineWidth / 2, colors().separator);
 }
 
-/// A line whose ends are cut off square is a rectangle around it.
+/// A line whose ends are cut off square is a rectangle around it. It goes on by parts of a pixel, all else stands on
+/// whole ones.
 void TimelineDrawing::drawCursorIntersectedRect(const platform::Rect& cursor, const platform::Rect& area) {
   if (!meets(cursor, area)) return;
   const float height = contents_.bounds.height;
   const platform::Rect line{contents_.cursorHeadX - kLineWidth / 2, contents_.cursorHeadY, kLineWidth,
                             height - kCursorShortening};
+  painter_.setRenderHint(QPainter::Antialiasing);
   painter_.fillRect(toQt(line, height) & toQt(contents_.bounds, height), colors().cursor);
+  painter_.setRenderHint(QPainter::Antialiasing, false);
 }
 
 }  // namespace zq

@@ -3,6 +3,7 @@
 
 #include "catalogue/tape.h"
 #include "platform/geometry.h"
+#include "views/pixel_grid.h"
 #include "views/track_row.h"
 
 class QPainter;
@@ -35,6 +36,7 @@ class TimelineDrawing {
 
  private:
   void drawFrame();
+  QRectF onWholePixels(const platform::Rect& rect) const;
   void drawSequences(const platform::Rect& track, const platform::Rect& area);
   void drawSequenceIntersectedRect(const ZQACSequence& sequence, const platform::Rect& area);
   void drawClipIntersectedRect(const ZQACClip& clip, const platform::Rect& area);
@@ -42,6 +44,7 @@ class TimelineDrawing {
 
   QPainter& painter_;
   const TimelineContents contents_;
+  const PixelGrid pixels_;
   TrackRow row_;
 };
 

@@ -92,9 +92,7 @@ void ZQACTimelineView::postRefresh() {
 }
 
 void ZQACTimelineView::refreshCursorInRect(const platform::Rect& rect) {
-  const auto viewHeight = static_cast<float>(height());
-  const platform::Rect bounds{0, 0, static_cast<float>(width()), viewHeight};
-  if (meets(rect, bounds)) update((toQt(rect, viewHeight) & toQt(bounds, viewHeight)).toAlignedRect());
+  update(wholePointsInView(rect, size()));
 }
 
 outlets::ThumbnailStrip* ZQACTimelineView::thumbnailView() const {

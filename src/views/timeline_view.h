@@ -68,6 +68,9 @@ class ZQACTimelineView final : public QWidget, public outlets::Timeline {
  private:
   TapeValue currentTape() const;
   void postRefresh();
+  platform::Rect placeOfCurrentSequence() const;
+  void bringCursorToItsSequence();
+  void postCursor(const std::optional<platform::Rect>& area);
   std::optional<platform::Rect> moveCursor();
   void drawFocus(QPainter& painter) const;
   void mouseDown(Point point);

@@ -61,6 +61,20 @@ void ZQACTimelineView::computeCursorHeadPos() {
     const std::lock_guard guard(*mutex_);
     area = moveCursor();
   }
+  postCursor(area);
+}
+
+// A tape that is paused sends no frame that would move the cursor along when its sequence is laid out anew.
+void ZQACTimelineView::bringCursorToItsSequence() {
+  std::optional<platform::Rect> area;
+  {
+    const std::lock_guard guard(*mutex_);
+    if (cursorRect_ != platform::Rect{}) area = moveCursor();
+  }
+  postCursor(area);
+}
+
+void ZQACTimelineView::postCursor(const std::optional<platform::Rect>& area) {
   if (area) mainThread_.post([this, rect = *area] { refreshCursorInRect(rect); });
 }
 

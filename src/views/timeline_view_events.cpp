@@ -70,9 +70,16 @@ void ZQACTimelineView::paintEvent(QPaintEvent* event) {
   }
   const platform::Rect area = fromQt(event->rect(), contents.bounds.height);
   const bool isBlank = contents.tape == nullptr;
+  const platform::Rect place = placeOfCurrentSequence();
   QPainter painter(this);
   TimelineDrawing(painter, std::move(contents)).drawRect(area);
   if (hasFocus() && !isBlank) drawFocus(painter);
+  if (placeOfCurrentSequence() != place) mainThread_.post([this] { bringCursorToItsSequence(); });
+}
+
+platform::Rect ZQACTimelineView::placeOfCurrentSequence() const {
+  const SequenceValue sequence = currentSequence();
+  return sequence ? sequence->posInTimeline() : platform::Rect{};
 }
 
 /// The style shows it to who came here by the keyboard.
@@ -137,8 +144,8 @@ bool ZQACTimelineView::event(QEvent* event) {
     QToolTip::hideText();
     return QWidget::event(event);
   }
-  const QRectF place = toQt(clip->posInTimeline(), static_cast<float>(height())) & QRectF(rect());
-  QToolTip::showText(help->globalPos(), clipToolTip(*clip), this, place.toAlignedRect());
+  const QRect place = wholePointsInView(clip->posInTimeline(), size());
+  QToolTip::showText(help->globalPos(), clipToolTip(*clip), this, place);
   return true;
 }
 
@@ -165,7 +172,7 @@ void ZQACTimelineView::describeCurrentClip() {
 }
 
 ZQACTimelineView::Point ZQACTimelineView::toPoint(const QPointF& position) const {
-  return {static_cast<float>(position.x()), static_cast<float>(height() - position.y())};
+  return {static_cast<float>(position.x()), fromQtEvent(position.y(), height())};
 }
 
 }  // namespace zq

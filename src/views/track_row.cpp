@@ -39,7 +39,7 @@ void TrackRow::draw(QPainter& painter, const QRectF& target) const {
   for (const Pixel& pixel : pixels_) {
     *out++ = qRgba(byteOf(pixel[0]), byteOf(pixel[1]), byteOf(pixel[2]), byteOf(pixel[3]));
   }
-  painter.drawImage(target, row);
+  painter.drawImage(QRectF(target.left(), target.top(), row.width() / scale_, target.height()), row);
 }
 
 }  // namespace zq

@@ -19,7 +19,8 @@ class TrackRow {
 
   /// An opaque colour from `left` to `right`, over what is there.
   void fill(double left, double right, const QColor& color);
-  /// Draws the row as high as `target`, which is as wide as the row.
+  /// Draws the row from the left of `target` on, as high as that. The last of its pixels may reach beyond the right, so
+  /// that each of them is one of the device's.
   void draw(QPainter& painter, const QRectF& target) const;
 
  private:

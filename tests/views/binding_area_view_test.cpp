@@ -191,8 +191,6 @@ TEST_F(BindingAreaTest, AFirstClipThatWasNeverLaidOutTakesTheBlackWithIt) {
 }
 
 TEST_F(BindingAreaTest, MarkedAndActiveClipsHaveColouredEdgesUnderTheGrey) {
-  show({{}, {.marked = true}, {}});
-  for (std::size_t i = 0; i < 3; ++i) place(i, 98, 44, 98);
   const auto outlineOf = [this](std::size_t index) {
     show({{}, {.marked = true}, {}});
     place(index, 98, 44, 98);

@@ -161,8 +161,9 @@ class StripTest : public QtTest {
     runtime_.mainLoop().run();
   }
 
-  /// The pointer moves to this place of the view, from the lower left.
-  void movePointer(float x, float y) { movePointerFromTop(x, static_cast<float>(view_.height()) - y); }
+  /// The pointer moves to this place of the view, from the lower left: an event names the upper edge of its pixel, and
+  /// means the middle.
+  void movePointer(float x, float y) { movePointerFromTop(x, static_cast<float>(view_.height()) - y - 0.5F); }
   void movePointerFromTop(float x, float y) {
     QMouseEvent event(QEvent::MouseMove, QPointF(x, y), QPointF(x, y), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
     QApplication::sendEvent(&view_, &event);

@@ -197,7 +197,6 @@ TEST_P(ThumbnailDrawingTest, StoresWhereEveryClipIsWhetherOrNotItIsSeen) {
 TEST_P(ThumbnailDrawingTest, DecodesOnlyThePostersInTheAreaToDraw) {
   LineLog log;
   view_.setLog(&log);
-  sequence_ = makeStrip(std::vector<StripClip>(10, StripClip{.poster = nullptr}));
   std::vector<StripClip> plans;
   for (int i = 0; i < 10; ++i) plans.push_back({.poster = brokenPoster()});
   sequence_ = makeStrip(plans);

@@ -222,6 +222,30 @@ TEST_F(GlidingTest, EndsInAViewThatGrowsWiderThanTheStrip) {
   EXPECT_EQ(position(), 50);
 }
 
+TEST_F(GlidingTest, EndsWithAnotherStripThatFits) {
+  show(stripOf(20));
+  glideTo(15);
+  runTicks(50);
+  bindingArea_.takeNotes();
+  view_.setActiveSequence(stripOf(3, "2"));
+  runTicks(1);
+  EXPECT_EQ(position(), 60);
+  EXPECT_EQ(view_.animationTimer(), nullptr);
+  EXPECT_EQ(bindingArea_.takeNotes(), (std::vector<std::string>{"sequence 2", "refresh", "refresh"}));
+  runTicks(1000);
+  EXPECT_EQ(position(), 60);
+}
+
+TEST_F(GlidingTest, ATimerThatOutlivesTheViewDoesNothing) {
+  auto view = std::make_unique<ZQACThumbnailView>(runtime_);
+  view->setActiveSequence(stripOf(10));
+  view->triggerRelocationTimerWithOffset(100);
+  const std::shared_ptr<RepeatingTimer> timer = view->animationTimer();
+  view.reset();
+  EXPECT_FALSE(timer->isValid());
+  runTicks(10);
+}
+
 TEST_F(GlidingTest, StopsWhenTheViewIsDestroyed) {
   auto view = std::make_unique<ZQACThumbnailView>(runtime_);
   view->setActiveSequence(stripOf(10));

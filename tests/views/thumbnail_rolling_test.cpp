@@ -116,6 +116,22 @@ TEST_F(RollingTest, BandsAreTenPointsWideAndFortyHighFromTheTop) {
   EXPECT_FALSE(rollsAt(5, 29));
 }
 
+TEST_F(RollingTest, TheUppermostRowBelongsToTheViewTheOneBelowTheLowestDoesNot) {
+  show(stripOf(10));
+  view_.resize(300, 40);
+  draw();
+  const auto rollsAt = [this](float y) {
+    movePointerFromTop(295, y);
+    const bool rolls = view_.rollingTimer() != nullptr;
+    movePointerAway();
+    return rolls;
+  };
+  EXPECT_TRUE(rollsAt(0));
+  EXPECT_TRUE(rollsAt(39));
+  EXPECT_FALSE(rollsAt(40));
+  EXPECT_FALSE(rollsAt(-1));
+}
+
 TEST_F(RollingTest, TheBandFadesInOverEightyTicksAndStays) {
   show(stripOf(10));
   movePointer(295, 30);
@@ -222,6 +238,19 @@ TEST_F(RollingTest, OlderTimersStopWhenTheViewIsDestroyed) {
   view->mouseEntered({1, 1});
   view.reset();
   EXPECT_TRUE(first.expired());
+  runTicks(10);
+}
+
+TEST_F(RollingTest, TimersThatOutliveTheViewDoNothing) {
+  auto view = std::make_unique<ZQACThumbnailView>(runtime_);
+  view->setActiveSequence(stripOf(10));
+  view->mouseEntered({1, 1});
+  const std::shared_ptr<RepeatingTimer> first = view->rollingTimer();
+  view->mouseEntered({1, 1});
+  const std::shared_ptr<RepeatingTimer> second = view->rollingTimer();
+  view.reset();
+  EXPECT_FALSE(first->isValid());
+  EXPECT_FALSE(second->isValid());
   runTicks(10);
 }
 

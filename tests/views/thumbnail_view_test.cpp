@@ -6,6 +6,7 @@
 
 #include <QHelpEvent>
 #include <QToolTip>
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -153,6 +154,23 @@ TEST_F(ThumbnailViewTest, RefreshDrawsTheWholeViewAndTheBindingArea) {
   view_.refresh();
   EXPECT_EQ(painted.takeAreas(), std::vector<QRect>{view_.rect()});
   EXPECT_EQ(bindingArea_.takeNotes(), Notes{"refresh"});
+}
+
+TEST_F(ThumbnailViewTest, AnAreaIsCountedFromTheLowerEdgeAndBoundedByTheView) {
+  PaintWatcher painted(view_);
+  view_.refreshInRect({10, 0, 4, 6});
+  EXPECT_EQ(painted.takeAreas(), std::vector<QRect>{QRect(10, 44, 4, 6)});
+  constexpr float kNoNumber = std::numeric_limits<float>::quiet_NaN();
+  view_.refreshInRect({400, 0, 10, 46});
+  view_.refreshInRect({});
+  view_.refreshInRect({-1e30F, 0, 1e20F, 46});
+  view_.refreshInRect({kNoNumber, 0, 10, 46});
+  view_.refreshInRect({10, kNoNumber, 10, 46});
+  view_.refreshInRect({10, 0, kNoNumber, 46});
+  view_.refreshInRect({10, 0, 10, kNoNumber});
+  EXPECT_TRUE(painted.takeAreas().empty());
+  view_.refreshInRect({-1e30F, -1e30F, 2e30F, 2e30F});
+  EXPECT_EQ(painted.takeAreas(), std::vector<QRect>{view_.rect()});
 }
 
 // The binding area reads where clips are, and may be drawn first.

@@ -51,6 +51,28 @@ TEST_F(ThumbnailWheelTest, EndsAGlide) {
   EXPECT_EQ(position(), -60);
 }
 
+TEST_F(ThumbnailWheelTest, GoesByTheLargerOfTheTwoAxes) {
+  show(stripOf(10));
+  turnWheel(6, -120);
+  EXPECT_EQ(position(), -60) << "fingers do not go straight down";
+  turnWheel(-120, 6);
+  EXPECT_EQ(position(), -120);
+  turnWheel(120, -6);
+  EXPECT_EQ(position(), -60);
+}
+
+TEST_F(ThumbnailWheelTest, ATurnThatMovesNothingLeavesAGlideAlone) {
+  show(stripOf(10));
+  view_.setActiveClip(clip(6));
+  view_.triggerRelocationTimerWithOffset(240);
+  EXPECT_TRUE(turnWheel(0, -1));
+  EXPECT_NE(view_.animationTimer(), nullptr) << "half a point";
+  EXPECT_TRUE(turnWheel(0, 120));
+  EXPECT_NE(view_.animationTimer(), nullptr) << "at the end already";
+  runTicks(1001);
+  EXPECT_EQ(position(), -240);
+}
+
 TEST_F(ThumbnailWheelTest, IsLeftToOthersWhenThereIsNothingToScrollOrTheMouseIsOff) {
   show(stripOf(3));
   EXPECT_FALSE(turnWheel(0, -120));

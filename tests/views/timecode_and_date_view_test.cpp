@@ -2,11 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <QFontMetricsF>
 #include <QLocale>
+#include <QPainter>
+#include <algorithm>
 #include <memory>
 
 #include "support/qt_application.h"
+#include "views/medium_date.h"
 #include "views/paint_watcher.h"
+#include "views/timecode_label.h"
 #include "views/timeline_fixture.h"
 
 namespace zq::test {
@@ -43,6 +48,16 @@ class TimecodeAndDateViewTest : public QtTest, public testing::WithParamInterfac
       }
     }
     return count;
+  }
+  /// The picture with a label's ground drawn anew, and this text on it.
+  static QImage withText(QImage image, const QRect& label, const QColor& ground, const QString& text) {
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setFont(labelFont());
+    painter.fillRect(label.adjusted(5, 3, -5, -3), ground);
+    painter.setPen(Qt::white);
+    painter.drawText(QRectF(label), Qt::AlignCenter | Qt::TextSingleLine, text);
+    return image;
   }
   static QImage partOf(const QImage& image, const QRect& part) {
     const int scale = static_cast<int>(image.devicePixelRatio());
@@ -162,6 +177,39 @@ TEST_P(TimecodeAndDateViewTest, TextThatIsTooLongIsCutAtItsTail) {
   time.mHours = 12;
   view_.setTimecode(time);
   EXPECT_NE(drawn(), one) << "the head is shown";
+}
+
+TEST_P(TimecodeAndDateViewTest, ADateThatIsTooLongIsCutAtItsTail) {
+  const QFontMetricsF metrics(labelFont());
+  QLocale widest;
+  qreal width = 0;
+  for (const QLocale& locale :
+       QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyTerritory)) {
+    const qreal own = metrics.horizontalAdvance(mediumDateText(*dateAfter(0), locale));
+    if (own > width) widest = locale;
+    width = std::max(width, own);
+  }
+  ASSERT_GT(width, 100);
+  QLocale::setDefault(widest);
+  view_.setDate(dateAfter(0));
+  const QImage image = drawn();
+  const QString cut = metrics.elidedText(mediumDateText(*dateAfter(0), widest), Qt::ElideRight, 82);
+  EXPECT_EQ(partOf(image, kDateFill), partOf(withText(image, QRect(90, 10, 82, 15), kGreen, cut), kDateFill));
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 173 * GetParam(); x < image.width(); ++x) ASSERT_EQ(image.pixelColor(x, y), kBehind) << x << ", " << y;
+  }
+}
+
+TEST_P(TimecodeAndDateViewTest, ShowsTheTextOfTheTimecode) {
+  SMPTETime time;
+  time.mHours = 12;
+  time.mMinutes = 34;
+  time.mSeconds = 56;
+  time.mFrames = 7;
+  view_.setTimecode(time);
+  const QImage image = drawn();
+  const QImage expected = withText(image, QRect(10, 10, 72, 15), Qt::black, "12:34:56.07");
+  EXPECT_EQ(partOf(image, kTimecodeFill), partOf(expected, kTimecodeFill));
 }
 
 TEST_P(TimecodeAndDateViewTest, IsDrawnAnewForEachTimecodeButForANewDateOnly) {

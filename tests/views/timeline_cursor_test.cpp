@@ -217,6 +217,34 @@ TEST_F(TimelineCursorTest, FollowsTheSequenceWhenTheViewIsResized) {
   EXPECT_FLOAT_EQ(headX(), 209 + 70);
 }
 
+TEST_F(TimelineCursorTest, FollowsItsFrameWhenTheViewIsResized) {
+  moveTo(204, 6100);
+  runPosted(runtime_);
+  view_.resize(418, 46);
+  draw();
+  runPosted(runtime_);
+  const QImage image = draw();
+
+  EXPECT_FALSE(isCursor(colorAt(image, 144, 20)));
+  EXPECT_TRUE(isCursor(colorAt(image, 209 + 70, 20)));
+}
+
+TEST_F(TimelineCursorTest, ThatIsHiddenStaysSoWhenTheViewIsResized) {
+  moveTo(204, 6100);
+  view_.setCursorRect({});
+  view_.resize(418, 46);
+  draw();
+  runPosted(runtime_);
+  EXPECT_EQ(view_.cursorRect(), Rect{});
+
+  moveTo(205, 6100);
+  view_.resize(218, 46);
+  draw();
+  view_.setCursorRect({});  // before what the resize posted is carried out
+  runPosted(runtime_);
+  EXPECT_EQ(view_.cursorRect(), Rect{});
+}
+
 // What is drawn anew.
 
 TEST_F(TimelineCursorTest, AFrameDrawsItsAreaOnlyAndOnTheMainThread) {

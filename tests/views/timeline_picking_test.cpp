@@ -89,6 +89,20 @@ TEST_F(TimelinePickingTest, LeftAndLowerEdgesBelongToAClipRightAndUpperDoNot) {
   EXPECT_EQ(currentClip(), "1.1");
 }
 
+TEST_F(TimelinePickingTest, AClickMeansTheMiddleOfItsPixel) {
+  for (const auto& clip : tape_->sequenceAtIndex(0)->allClips()) clip->setPosInTimeline({12, 0, 50, 46});
+  tape_->sequenceAtIndex(0)->setPosInTimeline({9, 0, 100, 46});
+  const auto picksAt = [this](qreal fromTop) {
+    view_.setCurrentClip(nullptr);
+    click(20, view_.height() - fromTop);
+    return view_.currentClip() != nullptr;
+  };
+  EXPECT_TRUE(picksAt(0));
+  EXPECT_TRUE(picksAt(45));
+  EXPECT_FALSE(picksAt(46));
+  EXPECT_FALSE(picksAt(-1));
+}
+
 TEST_F(TimelinePickingTest, AClickInTheMarginOfASequenceMakesItCurrentAndNoClip) {
   click(20);
   strip_.takeNotes();
