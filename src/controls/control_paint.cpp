@@ -3,7 +3,9 @@
 #include <QApplication>
 #include <QFontDatabase>
 #include <QFontMetricsF>
+#include <QLineEdit>
 #include <QPainter>
+#include <QPalette>
 #include <QStyle>
 #include <algorithm>
 
@@ -19,6 +21,12 @@ QFont withSize(QFont font, int size) {
 // A replacement that the system would put in for the family does not count as the family.
 bool hasHelvetica() {
   return QFontDatabase::hasFamily("Helvetica");
+}
+
+// As Qt derives it by itself, but only as long as nobody sets the text's.
+QColor faint(QColor color) {
+  color.setAlphaF(color.alphaF() / 2);
+  return color;
 }
 
 int titleFlags() {
@@ -71,6 +79,14 @@ QSizeF titleSize(const QFont& font, const QString& title) {
 void drawTitle(QPainter& painter, const QPointF& upperLeft, const QString& title) {
   painter.drawText(QRectF(upperLeft, titleSize(painter.font(), title)),
                    titleFlags() | Qt::AlignLeft | Qt::AlignTop | Qt::TextDontClip, title);
+}
+
+void setFieldColors(QLineEdit& field, const QColor& base, const QColor& text) {
+  QPalette palette = field.palette();
+  palette.setColor(QPalette::Base, base);
+  palette.setColor(QPalette::Text, text);
+  palette.setColor(QPalette::PlaceholderText, faint(text));
+  field.setPalette(palette);
 }
 
 }  // namespace zq

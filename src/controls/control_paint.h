@@ -7,6 +7,7 @@
 #include <QSizeF>
 #include <QString>
 
+class QLineEdit;
 class QPainter;
 
 namespace zq {
@@ -29,5 +30,8 @@ QString withoutMnemonic(const QString& title);
 QSizeF titleSize(const QFont& font, const QString& title);
 /// With the painter's font and pen, its shortcut underlined where the platform does that.
 void drawTitle(QPainter& painter, const QPointF& upperLeft, const QString& title);
+
+/// What a line edit paints behind its text, and the text; a placeholder is half as strong.
+void setFieldColors(QLineEdit& field, const QColor& base, const QColor& text);
 
 }  // namespace zq

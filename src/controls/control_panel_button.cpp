@@ -45,8 +45,18 @@ void ZQAccurateControlPanelButton::nameByTag() {
     }
     return QString();
   }();
-  if (accessibleName().isEmpty()) setAccessibleName(name);
-  if (toolTip().isEmpty()) setToolTip(name);
+  if (accessibleName().isEmpty() || accessibleName() == ownName_) setAccessibleName(name);
+  if (toolTip().isEmpty() || toolTip() == ownName_) setToolTip(name);
+  ownName_ = name;
+}
+
+void ZQAccurateControlPanelButton::setTag(int tag) {
+  MomentaryButton::setTag(tag);
+  if (cell().isSkinned()) nameByTag();
+}
+
+bool ZQAccurateControlPanelButton::showsState() const {
+  return MomentaryButton::showsState() || ZQAccurateControlPanelButtonCell::isLitByState(tag());
 }
 
 void ZQAccurateControlPanelButton::enterEvent(QEnterEvent* event) {

@@ -17,6 +17,9 @@ class ZQAccurateControlPanelButton : public MomentaryButton {
   /// Keeps whether it is enabled, its state and whom a click tells. It has an icon only, so it gets a name for
   /// assistive programs and a tool tip where the interface gives none.
   void awakeFromNib() override;
+  /// Once awake, it changes the names that it gave itself.
+  void setTag(int tag) override;
+  bool showsState() const override;
 
  protected:
   void enterEvent(QEnterEvent* event) override;
@@ -24,6 +27,8 @@ class ZQAccurateControlPanelButton : public MomentaryButton {
 
  private:
   void nameByTag();
+
+  QString ownName_;  // empty until it names itself
 };
 
 }  // namespace zq

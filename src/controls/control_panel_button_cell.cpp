@@ -13,13 +13,13 @@ constexpr qreal kHeight = 48;
 constexpr qreal kEndWidth = 51;
 constexpr qreal kMiddleWidth = 46;
 
-SkinImage named(const char* name) {
-  return imageNamedInFrameworkForClass(name, "ZQAccurateControlPanelButtonCell");
-}
+const char kClass[] = "ZQAccurateControlPanelButtonCell";
 
 /// A picture and the one that takes its place: while lit, or while the pointer is over it.
 struct Pair {
-  Pair(const char* normalName, const char* otherName) : normal(named(normalName)), other(named(otherName)) {}
+  Pair(const char* normalName, const char* otherName)
+      : normal(imageNamedInFrameworkForClass(normalName, kClass)),
+        other(imageNamedInFrameworkForClass(otherName, kClass)) {}
 
   SkinImage normal;
   SkinImage other;
@@ -29,7 +29,7 @@ struct Images {
   Pair background{"controlPanelBG", "controlPanelBGClicked"};
   Pair left{"controlPanelLeft", "controlPanelLeftClicked"};
   Pair right{"controlPanelRight", "controlPanelRightClicked"};
-  SkinImage separator = named("controlPanelSeparator");
+  SkinImage separator = imageNamedInFrameworkForClass("controlPanelSeparator", kClass);
   Pair rewind{"controlPanelRewind", "controlPanelRewindRollOver"};
   Pair play{"controlPanelPlay", "controlPanelPlayRollOver"};
   Pair record{"controlPanelRecord", "controlPanelRecordRollOver"};
@@ -101,6 +101,20 @@ ZQAccurateControlPanelButtonCell::Kind ZQAccurateControlPanelButtonCell::kindOfT
   }
 }
 
+bool ZQAccurateControlPanelButtonCell::isLitByState(int tag) {
+  switch (kindOfTag(tag)) {
+    case Kind::kPlay:
+    case Kind::kRecord:
+      return true;
+    case Kind::kRewind:
+      return tag != kRecaptureRewind;
+    case Kind::kFastForward:
+      return tag != kRecaptureFastForward;
+    default:
+      return false;
+  }
+}
+
 void ZQAccurateControlPanelButtonCell::drawWithFrameInView(QPainter& painter, const QRectF& frame,
                                                            const QAbstractButton& view) const {
   const auto* button = dynamic_cast<const MomentaryButton*>(&view);
@@ -136,7 +150,7 @@ void ZQAccurateControlPanelButtonCell::drawWithFrameInView(QPainter& painter, co
 }
 
 void ZQAccurateControlPanelButtonCell::drawRewindButtonInRect(const View& view, const QRectF& frame) const {
-  const bool isLit = view.tag == kRecaptureRewind ? view.isHighlighted : view.isOn;
+  const bool isLit = isLitByState(view.tag) ? view.isOn : view.isHighlighted;
   view.drawBackground(images().left, isLit, {0, 0, 11, kHeight});
   view.drawBackground(images().background, isLit, {11, 0, 39, kHeight});
   view.drawIcon(images().rewind, iconRect(frame, 6, 1));
@@ -165,7 +179,7 @@ void ZQAccurateControlPanelButtonCell::drawNextFrameButtonInRect(const View& vie
 
 // The panel's right end: the rounded cap comes first, so that a background that reaches into it lies on top.
 void ZQAccurateControlPanelButtonCell::drawFastForwardButtonInRect(const View& view, const QRectF& frame) const {
-  const bool isLit = view.tag == kRecaptureFastForward ? view.isHighlighted : view.isOn;
+  const bool isLit = isLitByState(view.tag) ? view.isOn : view.isHighlighted;
   view.drawBackground(images().right, isLit, {40, 0, 11, kHeight});
   view.drawBackground(images().background, isLit, {0, 0, 40, kHeight});
   view.drawIcon(images().fastForward, iconRect(frame, 6, 1));

@@ -9,6 +9,8 @@ class ZQAccurateControlPanelButtonCell : public ButtonCell {
  public:
   enum class Kind { kNone, kRewind, kPreviousFrame, kPlay, kStop, kRecord, kNextFrame, kFastForward };
   static Kind kindOfTag(int tag);
+  /// Whether it lights up while the button is on; others do while it is pressed.
+  static bool isLitByState(int tag);
 
   bool isSkinned() const override { return true; }
   /// By the view's tag, which must be a MomentaryButton; an unknown tag draws nothing. A button that is not enabled

@@ -9,29 +9,26 @@ namespace zq {
 
 namespace {
 
-// While another window or a menu has the focus, the control keeps its own for when they are gone.
+// While another window or a menu has the focus, the control keeps its own for when they are gone. A window that comes
+// for the first time gives the focus for this reason too.
 bool isInterruption(Qt::FocusReason reason) {
   return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
-}
-
-bool isKeyboard(Qt::FocusReason reason) {
-  return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason || reason == Qt::ShortcutFocusReason;
 }
 
 }  // namespace
 
 void FocusRing::focusIn(const QFocusEvent& event) {
   focused_ = true;
-  if (!isInterruption(event.reason())) byKeyboard_ = isKeyboard(event.reason());
+  if (!isInterruption(event.reason())) byMouse_ = event.reason() == Qt::MouseFocusReason;
 }
 
 void FocusRing::focusOut(const QFocusEvent& event) {
   focused_ = false;
-  if (!isInterruption(event.reason())) byKeyboard_ = false;
+  if (!isInterruption(event.reason())) byMouse_ = false;
 }
 
 void FocusRing::draw(QPainter& painter, const QWidget& control) const {
-  if (!byKeyboard_ || !focused_) return;
+  if (byMouse_ || !focused_) return;
   const QRectF bounds = control.rect();
   QPainterPath ring;
   ring.addRect(bounds);

@@ -8,7 +8,7 @@ class QWidget;
 namespace zq {
 
 /// A control's own: the control passes on its focus events, and draws the ring over everything else. The ring shows
-/// when the focus came by the keyboard; who clicks sees where he clicked.
+/// unless the mouse brought the focus; who clicks sees where he clicked.
 class FocusRing {
  public:
   void focusIn(const QFocusEvent& event);
@@ -18,7 +18,7 @@ class FocusRing {
 
  private:
   bool focused_ = false;
-  bool byKeyboard_ = false;
+  bool byMouse_ = false;
 };
 
 }  // namespace zq

@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QStringList>
 
+#include "controls/accessible_controls.h"
 #include "controls/control_paint.h"
 
 namespace zq {
@@ -25,6 +26,10 @@ QString elided(const QString& message, const QFont& font, qreal width) {
 }
 
 }  // namespace
+
+ZQAccurateMessageTextView::ZQAccurateMessageTextView(QWidget* parent) : QWidget(parent) {
+  installAccessibleControls();
+}
 
 void ZQAccurateMessageTextView::setMessage(const QString& message) {
   if (message_ == message) return;

@@ -12,7 +12,7 @@ class ZQAccurateMessageTextView : public QWidget {
   Q_PROPERTY(QString message READ message WRITE setMessage)
 
  public:
-  explicit ZQAccurateMessageTextView(QWidget* parent = nullptr) : QWidget(parent) {}
+  explicit ZQAccurateMessageTextView(QWidget* parent = nullptr);
 
   const QString& message() const { return message_; }
   void setMessage(const QString& message);

@@ -1,17 +1,25 @@
 #include "controls/momentary_button.h"
 
+#include <QAccessible>
 #include <QFocusEvent>
 #include <QMetaObject>
 #include <QPainter>
 #include <utility>
 
-#include "controls/momentary_button_accessible.h"
+#include "controls/accessible_controls.h"
 
 namespace zq {
 
 MomentaryButton::MomentaryButton(QWidget* parent) : QPushButton(parent), cell_(std::make_unique<ButtonCell>()) {
-  MomentaryButtonAccessible::install();
+  installAccessibleControls();
   setCheckable(true);  // or Qt would keep it off
+  connect(this, &QPushButton::toggled, this, [this] {
+    if (!alternateTitle().isEmpty() && alternateTitle() != text()) emit shownTitleChanged();
+  });
+  connect(this, &MomentaryButton::shownTitleChanged, this, [this] {
+    QAccessibleEvent event(this, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&event);
+  });
 }
 
 MomentaryButton::~MomentaryButton() = default;
@@ -31,13 +39,20 @@ void MomentaryButton::followState() {
 }
 
 void MomentaryButton::checkStateSet() {
-  if (!following_) on_ = isChecked();
+  // Once: whoever is told of the change may set another state meanwhile.
+  if (!std::exchange(following_, false)) on_ = isChecked();
 }
 
 void MomentaryButton::setAlternateTitle(const QString& title) {
+  const QString before = shownTitle();
   cell_->setAlternateTitle(title);
+  if (shownTitle() != before) emit shownTitleChanged();
   updateGeometry();
   update();
+}
+
+bool MomentaryButton::showsState() const {
+  return isChecked() || !alternateTitle().isEmpty();
 }
 
 QString MomentaryButton::shownTitle() const {

@@ -37,12 +37,18 @@ class MomentaryButton : public QPushButton, public AwakesFromNib, public outlets
   void setAlternateImage(const QIcon& image) { cell_->setAlternateImage(image); }
   /// The title or the alternate title, whichever holds now.
   QString shownTitle() const;
+  /// Whether one can see that it is on, or off.
+  virtual bool showsState() const;
   /// Tells buttons of a kind apart.
   int tag() const { return tag_; }
   virtual void setTag(int tag);
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
+
+ signals:
+  /// By its state, or another alternate title.
+  void shownTitleChanged();
 
  protected:
   /// Puts in a new cell of cellClass() and answers the one before.

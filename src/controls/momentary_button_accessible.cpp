@@ -5,24 +5,6 @@
 
 namespace zq {
 
-namespace {
-
-// Owned by Qt, which asks for it by the name of each class that an object is of.
-QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
-  if (className != MomentaryButton::staticMetaObject.className()) return nullptr;
-  auto* button = dynamic_cast<MomentaryButton*>(object);
-  return button != nullptr ? new MomentaryButtonAccessible(button) : nullptr;
-}
-
-}  // namespace
-
-void MomentaryButtonAccessible::install() {
-  [[maybe_unused]] static const bool once = [] {
-    QAccessible::installFactory(makeInterface);
-    return true;
-  }();
-}
-
 MomentaryButtonAccessible::MomentaryButtonAccessible(MomentaryButton* button)
     : QAccessibleWidget(button, QAccessible::Button) {}
 
@@ -31,15 +13,25 @@ MomentaryButton& MomentaryButtonAccessible::button() const {
 }
 
 QString MomentaryButtonAccessible::text(QAccessible::Text text) const {
-  const bool fromTitle = text == QAccessible::Name && button().accessibleName().isEmpty();
-  const QString title = fromTitle ? withoutMnemonic(button().shownTitle()) : QString();
-  return title.isEmpty() ? QAccessibleWidget::text(text) : title;
+  const QString standard = QAccessibleWidget::text(text);
+  switch (text) {
+    case QAccessible::Name: {
+      const QString title = withoutMnemonic(button().shownTitle());
+      return button().accessibleName().isEmpty() && !title.isEmpty() ? title : standard;
+    }
+    case QAccessible::Description:
+      return standard == this->text(QAccessible::Name) ? QString() : standard;  // nothing is read out twice
+    case QAccessible::Accelerator:
+      return button().shortcut().toString(QKeySequence::NativeText);
+    default:
+      return standard;
+  }
 }
 
 QAccessible::State MomentaryButtonAccessible::state() const {
   QAccessible::State state = QAccessibleWidget::state();
   state.pressed = button().isDown();
-  state.checkable = true;
+  state.checkable = button().showsState();
   state.checked = button().isChecked();
   return state;
 }

@@ -11,9 +11,6 @@ class MomentaryButton;
 /// which changes the look and tells nobody.
 class MomentaryButtonAccessible final : public QAccessibleWidget {
  public:
-  /// Makes this class known to Qt; once is enough.
-  static void install();
-
   explicit MomentaryButtonAccessible(MomentaryButton* button);
 
   QString text(QAccessible::Text text) const override;

@@ -16,6 +16,8 @@ class PlainSliderCell {
  public:
   struct Settings {
     bool allowsTickMarkValuesOnly = false;
+    /// 0 when it is told by Qt's interval only.
+    int numberOfTickMarks = 0;
     /// What the ends of the slider's range of steps stand for; where not set, the numbers of the steps.
     std::optional<double> minValue;
     std::optional<double> maxValue;

@@ -3,19 +3,24 @@
 #include <QAbstractItemModel>
 #include <QFocusEvent>
 #include <QFontMetricsF>
+#include <QHelpEvent>
 #include <QPainter>
+#include <QToolTip>
+#include <QTransform>
 #include <QVariant>
+#include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
 
+#include "controls/accessible_controls.h"
 #include "controls/control_paint.h"
-#include "skin/skin_image.h"
+#include "skin/three_slices.h"
 
 namespace zq {
 
 namespace {
 
-constexpr int kFontSize = 12;
+constexpr int kPopupFontSize = 12;
 constexpr int kGreyTag = 11;
 constexpr qreal kLeftWidth = 7;
 constexpr qreal kRightWidth = 15;
@@ -25,38 +30,47 @@ constexpr qreal kTitleHeight = 17;
 
 const char kMenuItemIndex[] = "NSMenuItemIndex";
 
-SkinImage named(const char* name) {
-  return imageNamedInFrameworkForClass(name, "ZQAccuratePopupButton");
-}
-
-struct Images {
-  SkinImage left = named("popupButtonLeft");
-  SkinImage middle = named("popupButtonMiddle");
-  SkinImage right = named("popupButtonRight");
-};
-
-const Images& images() {
-  static const Images all;
+const ThreeSlices& popupSlices() {
+  static const ThreeSlices all("popupButtonLeft", "popupButtonMiddle", "popupButtonRight", "ZQAccuratePopupButton");
   return all;
 }
 
-// An item's picture fills its place, whatever its own shape.
-void drawIcon(QPainter& painter, const QIcon& icon, const QRectF& rect) {
+bool isShown(const QList<int>& roles) {
+  return roles.isEmpty() || std::any_of(roles.begin(), roles.end(), [](int role) {
+           return role == Qt::DisplayRole || role == Qt::EditRole || role == Qt::DecorationRole;
+         });
+}
+
+// An item's picture fills its place, whatever its own shape. The device says how many pixels that is: one that is drawn
+// into a picture is not asked through the painter's device, which then is the widget.
+void drawItemIcon(QPainter& painter, const QIcon& icon, const QRectF& rect) {
   if (rect.isEmpty()) return;
-  const QPixmap pixmap = icon.pixmap(rect.size().toSize(), painter.device()->devicePixelRatioF());
+  const QTransform device = painter.deviceTransform();
+  const QPixmap pixmap = icon.pixmap(rect.size().toSize(), std::hypot(device.m11(), device.m12()));
   painter.setRenderHint(QPainter::SmoothPixmapTransform);
   painter.drawPixmap(rect, pixmap, QRectF(pixmap.rect()));
 }
 
 }  // namespace
 
-ZQAccuratePopupButton::ZQAccuratePopupButton(QWidget* parent) : QComboBox(parent) {}
+ZQAccuratePopupButton::ZQAccuratePopupButton(QWidget* parent) : QComboBox(parent) {
+  installAccessibleControls();
+  setFocusPolicy(Qt::StrongFocus);  // the wheel over it does not take the focus
+  // Qt's own policy for this also resizes it by itself a moment later, over the layout's head.
+  const auto resized = [this] { updateGeometry(); };
+  connect(model(), &QAbstractItemModel::rowsInserted, this, resized);
+  connect(model(), &QAbstractItemModel::rowsRemoved, this, resized);
+  connect(model(), &QAbstractItemModel::dataChanged, this, resized);
+  connect(model(), &QAbstractItemModel::modelReset, this, resized);
+}
 
 void ZQAccuratePopupButton::awakeFromNib() {
   connect(model(), &QAbstractItemModel::dataChanged, this, &ZQAccuratePopupButton::itemChanged, Qt::UniqueConnection);
 }
 
-void ZQAccuratePopupButton::itemChanged(const QModelIndex& first, const QModelIndex& /*last*/) {
+void ZQAccuratePopupButton::itemChanged(const QModelIndex& first, const QModelIndex& /*last*/,
+                                        const QList<int>& roles) {
+  if (!first.isValid() || !isShown(roles)) return;
   changeMenuItem({{kMenuItemIndex, first.row()}});
 }
 
@@ -97,7 +111,7 @@ QSize ZQAccuratePopupButton::sizeHint() const {
     const qreal before = itemIcon(i).isNull() ? 0 : kTitleAfterImage;
     width = std::max(width, before + metrics.horizontalAdvance(itemText(i)));
   }
-  const qreal height = std::max(images().middle.size().height(), kTitleHeight);
+  const qreal height = std::max(popupSlices().middle().size().height(), kTitleHeight);
   return {static_cast<int>(std::ceil(width + kLeftWidth + kRightWidth)) + 1, static_cast<int>(std::ceil(height))};
 }
 
@@ -107,28 +121,40 @@ QSize ZQAccuratePopupButton::minimumSizeHint() const {
 }
 
 QFont ZQAccuratePopupButton::titleFont() const {
-  return tag_ == kGreyTag ? helveticaOrBoldSystemFont(kFontSize) : helveticaFont(kFontSize);
+  return tag_ == kGreyTag ? helveticaOrBoldSystemFont(kPopupFontSize) : helveticaFont(kPopupFontSize);
 }
 
+QRectF ZQAccuratePopupButton::middleRect() const {
+  return {kLeftWidth, 0, width() - kLeftWidth - kRightWidth, static_cast<qreal>(height())};
+}
+
+// Behind the picture, where there is one.
+QRectF ZQAccuratePopupButton::titleRect() const {
+  const QRectF middle = middleRect();
+  const qreal before = itemIcon(currentIndex()).isNull() ? 0 : kTitleAfterImage;
+  return {middle.x() + before, 0, middle.width() - before, kTitleHeight};
+}
+
+bool ZQAccuratePopupButton::isTitleCut() const {
+  return QFontMetricsF(titleFont()).horizontalAdvance(currentText()) > titleRect().width();
+}
+
+// The right cap comes first, so that one too narrow for both still has its left.
 void ZQAccuratePopupButton::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   const QRectF bounds = rect();
-  const QRectF middle(bounds.x() + kLeftWidth, 0, bounds.width() - kLeftWidth - kRightWidth, bounds.height());
-  images().right.draw(painter, {bounds.width() - kRightWidth, 0, kRightWidth, bounds.height()});
-  images().left.draw(painter, {bounds.x(), 0, kLeftWidth, bounds.height()});
-  images().middle.draw(painter, middle);
-  drawSelectedItem(painter, middle);
+  popupSlices().right().draw(painter, {bounds.width() - kRightWidth, 0, kRightWidth, bounds.height()});
+  popupSlices().left().draw(painter, {bounds.x(), 0, kLeftWidth, bounds.height()});
+  popupSlices().middle().draw(painter, middleRect());
+  drawSelectedItem(painter);
   focusRing_.draw(painter, *this);
 }
 
-void ZQAccuratePopupButton::drawSelectedItem(QPainter& painter, const QRectF& middle) const {
+void ZQAccuratePopupButton::drawSelectedItem(QPainter& painter) const {
   const QIcon icon = itemIcon(currentIndex());
-  if (icon.isNull()) {
-    drawItemTitle(painter, {middle.x(), 0, middle.width(), kTitleHeight});
-    return;
-  }
-  drawIcon(painter, icon, {middle.x(), 2, kImageWidth, middle.height() - 10});
-  drawItemTitle(painter, {middle.x() + kTitleAfterImage, 0, middle.width() - kTitleAfterImage, kTitleHeight});
+  const QRectF middle = middleRect();
+  if (!icon.isNull()) drawItemIcon(painter, icon, {middle.x(), 2, kImageWidth, middle.height() - 10});
+  drawItemTitle(painter, titleRect());
 }
 
 void ZQAccuratePopupButton::drawItemTitle(QPainter& painter, const QRectF& rect) const {
@@ -138,6 +164,24 @@ void ZQAccuratePopupButton::drawItemTitle(QPainter& painter, const QRectF& rect)
   const QString title =
       QFontMetricsF(painter.font()).elidedText(itemText(currentIndex()), Qt::ElideRight, rect.width());
   painter.drawText(rect, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, title);
+}
+
+// A title that is cut is told in full, unless the interface tells something itself.
+bool ZQAccuratePopupButton::event(QEvent* event) {
+  if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && isTitleCut()) {
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), currentText(), this);
+    return true;
+  }
+  return QComboBox::event(event);
+}
+
+// Who scrolls the window that it is in does not choose.
+void ZQAccuratePopupButton::wheelEvent(QWheelEvent* event) {
+  if (hasFocus()) {
+    QComboBox::wheelEvent(event);
+  } else {
+    event->ignore();
+  }
 }
 
 void ZQAccuratePopupButton::focusInEvent(QFocusEvent* event) {

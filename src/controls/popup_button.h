@@ -10,7 +10,8 @@
 
 namespace zq {
 
-/// Its menu, keys, focus and signals are those of QComboBox. Main thread only.
+/// Its menu, keys, focus and signals are those of QComboBox; the wheel chooses only where the focus is. Main thread
+/// only.
 class ZQAccuratePopupButton : public QComboBox, public AwakesFromNib, public outlets::PopUp {
   Q_OBJECT
   Q_PROPERTY(QString alternateTitle READ alternateTitle WRITE setAlternateTitle)
@@ -19,7 +20,7 @@ class ZQAccuratePopupButton : public QComboBox, public AwakesFromNib, public out
  public:
   explicit ZQAccuratePopupButton(QWidget* parent = nullptr);
 
-  /// From now on an item that is changed becomes the selected one.
+  /// From now on an item whose text or image is changed becomes the selected one.
   void awakeFromNib() override;
 
   using QComboBox::addItem;
@@ -46,14 +47,19 @@ class ZQAccuratePopupButton : public QComboBox, public AwakesFromNib, public out
   void changeMenuItem(int index) { selectItemAtIndex(index); }
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
 
  private:
-  void itemChanged(const QModelIndex& first, const QModelIndex& last);
+  void itemChanged(const QModelIndex& first, const QModelIndex& last, const QList<int>& roles);
   QFont titleFont() const;
-  void drawSelectedItem(QPainter& painter, const QRectF& middle) const;
+  QRectF middleRect() const;
+  QRectF titleRect() const;
+  bool isTitleCut() const;
+  void drawSelectedItem(QPainter& painter) const;
   void drawItemTitle(QPainter& painter, const QRectF& rect) const;
 
   QString alternateTitle_;

@@ -3,9 +3,14 @@
 #include <QPaintEvent>
 #include <QPainter>
 
+#include "controls/accessible_controls.h"
 #include "skin/skin_image.h"
 
 namespace zq {
+
+ZQRecaptureSeparatorBarre::ZQRecaptureSeparatorBarre(QWidget* parent) : QWidget(parent) {
+  installAccessibleControls();
+}
 
 // The whole picture goes into whatever is redrawn, however small that is: the bar looks the same all along, and so a
 // part of it needs no calculation.

@@ -10,7 +10,7 @@ class ZQRecaptureSeparatorBarre : public QWidget {
   Q_OBJECT
 
  public:
-  explicit ZQRecaptureSeparatorBarre(QWidget* parent = nullptr) : QWidget(parent) {}
+  explicit ZQRecaptureSeparatorBarre(QWidget* parent = nullptr);
 
  protected:
   void paintEvent(QPaintEvent* event) override;

@@ -6,7 +6,7 @@ namespace zq {
 
 namespace {
 
-constexpr int kFontSize = 10;
+constexpr int kSharedFontSize = 10;
 // Meant as a part of 255, but the colour takes parts of 1: the text is opaque, and looks right that way.
 constexpr double kAlpha = 218;
 
@@ -14,7 +14,7 @@ constexpr double kAlpha = 218;
 
 std::optional<AttributedString> ZQAccurateSharingElement::sharingAttributedStringWithString(const QString& string) {
   if (string.isNull()) return std::nullopt;
-  return AttributedString{string, helveticaFont(kFontSize), deviceWhite(1.0, kAlpha)};
+  return AttributedString{string, helveticaFont(kSharedFontSize), deviceWhite(1.0, kAlpha)};
 }
 
 }  // namespace zq

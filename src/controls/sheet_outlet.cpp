@@ -22,6 +22,7 @@ SheetOutlet::SheetOutlet(QDialog& dialog) : dialog_(&dialog) {
 }
 
 void SheetOutlet::beginSheet(std::function<void()> didEnd) {
+  endSheet();
   didEnd_ = std::move(didEnd);
   if (dialog_) dialog_->open();
 }
@@ -34,8 +35,8 @@ void SheetOutlet::orderOut() {
   if (dialog_) dialog_->hide();
 }
 
-// Of the dialog, the only one that is watched. Qt would hide it first; but whoever began the sheet is to find it on
-// screen when it ends.
+// Of the dialog, the only one that is watched. Qt would hide it first; but whoever began the sheet is to find it
+// on screen when it ends.
 bool SheetOutlet::eventFilter(QObject* watched, QEvent* event) {
   if (!didEnd_ || !isCancel(*event)) return QObject::eventFilter(watched, event);
   event->ignore();

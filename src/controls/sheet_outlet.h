@@ -18,7 +18,8 @@ class SheetOutlet : public QObject, public outlets::Sheet {
   explicit SheetOutlet(QDialog& dialog);
 
   /// Returns at once. Its own window takes no input until the sheet is off the screen. When the user closes the dialog,
-  /// by its button or the Escape key, the sheet is ended.
+  /// by its button or the Escape key, the sheet is ended. One that was begun before is ended
+  /// first.
   void beginSheet(std::function<void()> didEnd) override;
   void endSheet() override;
   void orderOut() override;

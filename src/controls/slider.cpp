@@ -2,12 +2,14 @@
 
 #include <QFocusEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QStyleOptionSlider>
-#include <QStylePainter>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
+#include "controls/control_paint.h"
 #include "controls/slider_cell.h"
 
 namespace zq {
@@ -15,6 +17,11 @@ namespace zq {
 namespace {
 
 constexpr qreal kTrackHeight = 12;
+constexpr qreal kTickLength = 4;
+
+int toInt(qint64 number) {
+  return static_cast<int>(std::clamp<qint64>(number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+}
 
 }  // namespace
 
@@ -32,7 +39,6 @@ ZQAccurateSlider::CellClass ZQAccurateSlider::cellClass() const {
 void ZQAccurateSlider::awakeFromNib() {
   const auto old = std::exchange(cell_, cellClass()());
   cell_->settings() = old->settings();
-  followTickMarks();
   update();
 }
 
@@ -65,46 +71,78 @@ void ZQAccurateSlider::setDoubleValue(double value) {
   setValue(static_cast<int>(std::lround(std::lerp(minimum(), maximum(), place))));
 }
 
-// As Qt has it: without an interval, there is a tick mark at each page.
-int ZQAccurateSlider::tickStep() const {
-  return std::max(1, tickInterval() > 0 ? tickInterval() : pageStep());
+qint64 ZQAccurateSlider::range() const {
+  return static_cast<qint64>(maximum()) - minimum();
 }
 
+// Where no number was given, as many as Qt's interval makes: without one, there is a tick mark at each page.
 int ZQAccurateSlider::numberOfTickMarks() const {
   if (tickPosition() == NoTicks) return 0;
-  return (maximum() - minimum()) / tickStep() + 1;
+  if (const int number = cell_->settings().numberOfTickMarks; number > 0) return number;
+  const int interval = std::max(1, tickInterval() > 0 ? tickInterval() : pageStep());
+  return toInt(range() / interval + 1);
 }
 
 void ZQAccurateSlider::setNumberOfTickMarks(int number) {
+  cell_->settings().numberOfTickMarks = std::max(0, number);
   if (number <= 0) {
     setTickPosition(NoTicks);
     return;
   }
-  const int range = maximum() - minimum();
-  setTickInterval(number == 1 ? range + 1 : std::max(1, range / (number - 1)));
   if (tickPosition() == NoTicks) setTickPosition(TicksBelow);
   followTickMarks();
 }
 
 void ZQAccurateSlider::setAllowsTickMarkValuesOnly(bool only) {
   cell_->settings().allowsTickMarkValuesOnly = only;
-  followTickMarks();
 }
 
-// Keys and wheel must get as far as the next tick mark, or they would be put back to where they came from.
+// The look of the platform has even intervals only.
 void ZQAccurateSlider::followTickMarks() {
-  if (!allowsTickMarkValuesOnly() || numberOfTickMarks() == 0) return;
-  const int step = tickStep();
-  setTickInterval(step);
-  setSingleStep(step);
-  setPageStep(std::max(step, pageStep() / step * step));
+  const int number = cell_->settings().numberOfTickMarks;
+  if (number == 1) setTickInterval(toInt(range() + 1));
+  if (number > 1) setTickInterval(std::max(1, toInt(std::llround(static_cast<double>(range()) / (number - 1)))));
+  update();
 }
 
-void ZQAccurateSlider::snapToTickMark() {
-  if (!allowsTickMarkValuesOnly() || numberOfTickMarks() == 0) return;
+void ZQAccurateSlider::sliderChange(SliderChange change) {
+  if (change == SliderRangeChange) followTickMarks();
+  QSlider::sliderChange(change);
+}
+
+// As near to their even places as whole steps allow; the last one is at the end.
+int ZQAccurateSlider::tickMark(int index) const {
   const int last = numberOfTickMarks() - 1;
-  const double tick = std::round((static_cast<double>(sliderPosition()) - minimum()) / tickStep());
-  setSliderPosition(minimum() + std::min(last, static_cast<int>(tick)) * tickStep());
+  if (last <= 0) return minimum();
+  return toInt(minimum() + std::llround(index * static_cast<double>(range()) / last));
+}
+
+int ZQAccurateSlider::nearestTickMark(int position) const {
+  if (range() == 0) return 0;
+  const double place = static_cast<double>(static_cast<qint64>(position) - minimum()) / static_cast<double>(range());
+  return toInt(std::llround(place * (numberOfTickMarks() - 1)));
+}
+
+// The first tick mark that is passed on the way up or down.
+int ZQAccurateSlider::tickMarkAfter(int position, bool up) const {
+  const int nearest = nearestTickMark(position);
+  if (up) return tickMark(nearest) > position ? nearest : nearest + 1;
+  return tickMark(nearest) < position ? nearest : nearest - 1;
+}
+
+// A step gets to the next tick mark. A page or a turn of the wheel gets at least so far, or it would be put back to
+// where it came from.
+void ZQAccurateSlider::snapToTickMark(int action) {
+  if (!allowsTickMarkValuesOnly() || numberOfTickMarks() == 0) return;
+  if (numberOfTickMarks() > range()) return;  // every step is one
+  int index = nearestTickMark(sliderPosition());
+  if (!isSliderDown() && sliderPosition() != value()) {
+    const bool up = sliderPosition() > value();
+    const int next = tickMarkAfter(value(), up);
+    const bool isStep = action == SliderSingleStepAdd || action == SliderSingleStepSub;
+    index = isStep ? next : (up ? std::max(index, next) : std::min(index, next));
+  }
+  setSliderPosition(tickMark(std::clamp(index, 0, numberOfTickMarks() - 1)));
 }
 
 QStyleOptionSlider ZQAccurateSlider::styleOption() const {
@@ -129,20 +167,37 @@ void ZQAccurateSlider::paintEvent(QPaintEvent* event) {
     QSlider::paintEvent(event);
     return;
   }
-  QStylePainter painter(this);
-  if (tickPosition() != NoTicks) {
-    QStyleOptionSlider option = styleOption();
-    option.subControls = QStyle::SC_SliderTickmarks;
-    painter.drawComplexControl(QStyle::CC_Slider, option);
-  }
+  QPainter painter(this);
+  drawTickMarks(painter);
   cell_->drawBarInside(painter, trackRect());
   cell_->drawKnob(painter, knobRect(), *this);
   focusRing_.draw(painter, *this);
 }
 
+// Where the middle of the knob is when it stops at one. Of more than there are points, some stand for their neighbours.
+void ZQAccurateSlider::drawTickMarks(QPainter& painter) const {
+  const int number = numberOfTickMarks();
+  const QRectF knob = knobRect();
+  QStyleOptionSlider option = styleOption();
+  for (qint64 i = 0; i < number; i += 1 + number / std::max(1, width())) {
+    option.sliderPosition = tickMark(static_cast<int>(i));
+    const QRectF place = style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this);
+    const qreal x = std::floor(place.center().x());
+    if (tickPosition() & TicksAbove) painter.fillRect(QRectF(x, knob.top() - kTickLength, 1, kTickLength), grey());
+    if (tickPosition() & TicksBelow) painter.fillRect(QRectF(x, knob.bottom(), 1, kTickLength), grey());
+  }
+}
+
 void ZQAccurateSlider::mousePressEvent(QMouseEvent* event) {
   QSlider::mousePressEvent(event);
   cell_->startTrackingInView(*this);
+}
+
+// No release of the mouse comes any more.
+void ZQAccurateSlider::hideEvent(QHideEvent* event) {
+  setSliderDown(false);
+  cell_->stopTracking();
+  QSlider::hideEvent(event);
 }
 
 void ZQAccurateSlider::focusInEvent(QFocusEvent* event) {

@@ -43,7 +43,7 @@ class ZQAccurateSlider : public QSlider, public AwakesFromNib {
 
   /// 0 without tick marks.
   int numberOfTickMarks() const;
-  /// Places them evenly, as near as whole steps allow; 0 takes them away.
+  /// Over the whole range, whenever that is set: evenly, as near as whole steps allow. 0 takes them away.
   void setNumberOfTickMarks(int number);
   /// Whether user and keys go from tick mark to tick mark.
   bool allowsTickMarkValuesOnly() const { return cell_->settings().allowsTickMarkValuesOnly; }
@@ -57,13 +57,19 @@ class ZQAccurateSlider : public QSlider, public AwakesFromNib {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  void sliderChange(SliderChange change) override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
 
  private:
-  int tickStep() const;
+  qint64 range() const;
   void followTickMarks();
-  void snapToTickMark();
+  int tickMark(int index) const;
+  int nearestTickMark(int position) const;
+  int tickMarkAfter(int position, bool up) const;
+  void snapToTickMark(int action);
+  void drawTickMarks(QPainter& painter) const;
   QStyleOptionSlider styleOption() const;
 
   std::unique_ptr<PlainSliderCell> cell_;

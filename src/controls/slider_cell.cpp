@@ -3,30 +3,26 @@
 #include <QPainter>
 
 #include "controls/slider.h"
-#include "skin/skin_image.h"
+#include "skin/three_slices.h"
 
 namespace zq {
 
 namespace {
 
-constexpr qreal kCapWidth = 4;
+constexpr qreal kBarCapWidth = 4;
 constexpr qreal kBarHeight = 6;
 constexpr qreal kBarTop = 3;
 
-SkinImage named(const char* name) {
-  return imageNamedInFrameworkForClass(name, "ZQAccurateSliderCell");
-}
+const char kSliderClass[] = "ZQAccurateSliderCell";
 
-struct Images {
-  SkinImage left = named("sliderTrackLeft");
-  SkinImage middle = named("sliderTrackMiddle");
-  SkinImage right = named("sliderTrackRight");
-  SkinImage knob = named("sliderKnob");
-  SkinImage knobAvecTick = named("sliderKnobAvecTick");
+struct SliderImages {
+  ThreeSlices track{"sliderTrackLeft", "sliderTrackMiddle", "sliderTrackRight", kSliderClass};
+  SkinImage knob = imageNamedInFrameworkForClass("sliderKnob", kSliderClass);
+  SkinImage knobAvecTick = imageNamedInFrameworkForClass("sliderKnobAvecTick", kSliderClass);
 };
 
-const Images& images() {
-  static const Images all;
+const SliderImages& sliderImages() {
+  static const SliderImages all;
   return all;
 }
 
@@ -35,15 +31,13 @@ const Images& images() {
 void ZQAccurateSliderCell::drawBarInside(QPainter& painter, const QRectF& track) const {
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing, false);
-  const qreal y = track.y() + kBarTop;
-  images().left.draw(painter, {track.x(), y, kCapWidth, kBarHeight});
-  images().middle.draw(painter, {track.x() + kCapWidth, y, track.width() - 2 * kCapWidth, kBarHeight});
-  images().right.draw(painter, {track.x() + track.width() - kCapWidth, y, kCapWidth, kBarHeight});
+  const QRectF bar(track.x(), track.y() + kBarTop, track.width(), kBarHeight);
+  sliderImages().track.drawStretched(painter, bar, kBarCapWidth, kBarCapWidth);
   painter.restore();
 }
 
 void ZQAccurateSliderCell::drawKnob(QPainter& painter, const QRectF& knob, const ZQAccurateSlider& view) const {
-  (view.numberOfTickMarks() > 0 ? images().knobAvecTick : images().knob).draw(painter, knob);
+  (view.numberOfTickMarks() > 0 ? sliderImages().knobAvecTick : sliderImages().knob).draw(painter, knob);
 }
 
 bool ZQAccurateSliderCell::startTrackingInView(const ZQAccurateSlider& view) {

@@ -22,24 +22,13 @@ QColor toQt(const platform::Color& color) {
   return QColor::fromRgbF(part(color.red), part(color.green), part(color.blue), part(color.alpha));
 }
 
-// As Qt derives it by itself, but only as long as nobody sets the text's.
-QColor faint(QColor color) {
-  color.setAlphaF(color.alphaF() / 2);
-  return color;
-}
-
-void setColors(QLineEdit& field, const QColor& base, const QColor& text) {
-  QPalette palette = field.palette();
-  palette.setColor(QPalette::Base, base);
-  palette.setColor(QPalette::Text, text);
-  palette.setColor(QPalette::PlaceholderText, faint(text));
-  field.setPalette(palette);
-}
-
 }  // namespace
 
 ZQAccurateTextField::ZQAccurateTextField(QWidget* parent)
-    : QLineEdit(parent), cell_(std::make_unique<PlainTextFieldCell>()) {}
+    : QLineEdit(parent), cell_(std::make_unique<PlainTextFieldCell>()) {
+  // In a field that is only read, Qt shows no insertion point, and redraws none that moved.
+  connect(this, &QLineEdit::cursorPositionChanged, this, [this] { update(); });
+}
 
 ZQAccurateTextField::CellClass ZQAccurateTextField::cellClass() const {
   return [] { return std::unique_ptr<PlainTextFieldCell>(std::make_unique<ZQAccurateTextFieldCell>()); };
@@ -49,7 +38,6 @@ ZQAccurateTextField::CellClass ZQAccurateTextField::cellClass() const {
 void ZQAccurateTextField::awakeFromNib() {
   const auto old = std::exchange(cell_, cellClass()());
   setFrame(false);
-  setColors(*this, Qt::transparent, grey());
   setTextMargins(kTextMargin, 0, kTextMargin, 0);
   setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   cell_->setSelectable(old->isSelectable());
@@ -65,7 +53,7 @@ void ZQAccurateTextField::setStringValue(const std::string& text) {
 
 void ZQAccurateTextField::setBackgroundColor(const platform::Color& color) {
   cell_->setBackgroundColor(toQt(color));
-  if (!cell_->isSkinned()) setColors(*this, toQt(color), palette().color(QPalette::Text));
+  if (!cell_->isSkinned()) setFieldColors(*this, toQt(color), palette().color(QPalette::Text));
   update();
 }
 
@@ -94,7 +82,7 @@ void ZQAccurateTextField::paintEvent(QPaintEvent* event) {
     cell_->drawWithFrameInView(behind, rect(), *this);
   }
   QLineEdit::paintEvent(event);
-  if (!hasFocus() || isReadOnly()) return;
+  if (!hasFocus() || !isSelectable()) return;
   QPainter over(this);
   cell_->drawInsertionPoint(over, caretRect());
 }

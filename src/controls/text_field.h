@@ -11,7 +11,7 @@
 namespace zq {
 
 /// Text, keys, mouse, focus and signals are those of QLineEdit; no ring shows where the focus is, the insertion point
-/// does. Main thread only but for setStringValue().
+/// does, in a field that is only read too. Main thread only but for setStringValue().
 class ZQAccurateTextField : public QLineEdit, public AwakesFromNib, public outlets::TextField {
   Q_OBJECT
   Q_PROPERTY(bool selectable READ isSelectable WRITE setSelectable)
@@ -23,7 +23,7 @@ class ZQAccurateTextField : public QLineEdit, public AwakesFromNib, public outle
 
   virtual CellClass cellClass() const;
   /// Keeps text, placeholder, whether it is enabled and can be edited or selected; not the alignment and the
-  /// background.
+  /// background. Font, validator and signals are the widget's own and stay too.
   void awakeFromNib() override;
 
   void setStringValue(const std::string& text) override;

@@ -2,54 +2,41 @@
 
 #include <QLineEdit>
 #include <QPainter>
-#include <QPalette>
 
 #include "controls/control_paint.h"
-#include "skin/skin_image.h"
+#include "skin/three_slices.h"
 
 namespace zq {
 
 namespace {
 
-constexpr qreal kCapWidth = 5;
+constexpr qreal kFieldCapWidth = 5;
 constexpr qreal kBigHeight = 30;
 
-struct Slices {
-  SkinImage left;
-  SkinImage middle;
-  SkinImage right;
+const char kFieldClass[] = "ZQAccurateTextFieldCell";
+
+struct FieldImages {
+  ThreeSlices small{"textFieldLeft", "textFieldMiddle", "textFieldRight", kFieldClass};
+  ThreeSlices big{"bigTextFieldLeft", "bigTextFieldMiddle", "bigTextFieldRight", kFieldClass};
 };
 
-struct Images {
-  Slices small;
-  Slices big;
-};
-
-SkinImage named(const char* name) {
-  return imageNamedInFrameworkForClass(name, "ZQAccurateTextFieldCell");
-}
-
-const Images& images() {
-  static const Images all{{named("textFieldLeft"), named("textFieldMiddle"), named("textFieldRight")},
-                          {named("bigTextFieldLeft"), named("bigTextFieldMiddle"), named("bigTextFieldRight")}};
+const FieldImages& fieldImages() {
+  static const FieldImages all;
   return all;
 }
 
 }  // namespace
 
+// The slices ignore where the frame begins, so the frame must be the whole field.
 void ZQAccurateTextFieldCell::drawWithFrameInView(QPainter& painter, const QRectF& frame,
                                                   const QLineEdit& /*view*/) const {
-  const Slices& slices = frame.height() >= kBigHeight ? images().big : images().small;
-  slices.left.draw(painter, {0, 0, kCapWidth, frame.height()});
-  slices.middle.draw(painter, {kCapWidth, 0, frame.width() - 2 * kCapWidth, frame.height()});
-  slices.right.draw(painter, {frame.width() - kCapWidth, 0, kCapWidth, frame.height()});
+  const ThreeSlices& slices = frame.height() >= kBigHeight ? fieldImages().big : fieldImages().small;
+  slices.drawStretched(painter, {0, 0, frame.width(), frame.height()}, kFieldCapWidth, kFieldCapWidth);
   if (backgroundColor().isValid()) painter.fillRect(frame, backgroundColor());
 }
 
 void ZQAccurateTextFieldCell::setUpFieldEditorAttributes(QLineEdit& editor) const {
-  QPalette palette = editor.palette();
-  palette.setColor(QPalette::Text, grey());
-  editor.setPalette(palette);
+  setFieldColors(editor, Qt::transparent, grey());
 }
 
 // Qt inverts what is under it, whatever the palette says, and tells nobody when it blinks; so this one stands still. It

@@ -10,7 +10,7 @@ class ZQAccurateTextFieldCell : public PlainTextFieldCell {
   bool isSkinned() const override { return true; }
   /// From a height of 30 points on with the big slices.
   void drawWithFrameInView(QPainter& painter, const QRectF& frame, const QLineEdit& view) const override;
-  /// Makes text and insertion point grey.
+  /// Makes the text grey, over nothing.
   void setUpFieldEditorAttributes(QLineEdit& editor) const override;
   void drawInsertionPoint(QPainter& painter, const QRectF& caret) const override;
 };

@@ -7,6 +7,7 @@
 #include <QWidget>
 #include <memory>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "outlets/panel.h"
@@ -14,7 +15,7 @@
 
 namespace zq {
 
-/// Owns the widgets, until one of them gets another parent. Main thread only.
+/// Owns the widgets, until the root gets another parent. Main thread only.
 class Interface {
  public:
   explicit Interface(std::unique_ptr<QWidget> root) : root_(root.release()) {}
@@ -25,7 +26,7 @@ class Interface {
   QWidget& root() const { return *root_; }
 
   /// The object of this name, the root included, if it is of this kind; null otherwise. A panel is any widget, a sheet
-  /// any dialog.
+  /// any dialog; for one widget there is one of each.
   template <class Outlet>
   Outlet* outlet(const QString& name) {
     if constexpr (std::is_same_v<Outlet, outlets::Panel>) {
@@ -53,8 +54,8 @@ class Interface {
   outlets::Sheet* sheet(const QString& name);
 
   const QPointer<QWidget> root_;
-  std::vector<std::unique_ptr<outlets::Panel>> panels_;
-  std::vector<std::unique_ptr<outlets::Sheet>> sheets_;
+  std::vector<std::pair<QPointer<QWidget>, std::unique_ptr<outlets::Panel>>> panels_;
+  std::vector<std::pair<QPointer<QWidget>, std::unique_ptr<outlets::Sheet>>> sheets_;
   QStringList missing_;
 };
 

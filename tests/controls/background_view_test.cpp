@@ -64,5 +64,28 @@ TEST_F(BackgroundView, IsMadeWithAFrame) {
   EXPECT_EQ(view->geometry(), QRect(3, 4, 50, 60));
 }
 
+TEST_F(BackgroundView, AsksForNoRedrawForTheColorThatItHas) {
+  class Counting final : public ZQCaptureBackgroundView {
+   public:
+    int paints = 0;
+
+   protected:
+    void paintEvent(QPaintEvent* event) override {
+      ++paints;
+      ZQCaptureBackgroundView::paintEvent(event);
+    }
+  };
+  Counting view;
+  view.resize(30, 20);
+  show(view);
+  const int before = view.paints;
+  view.setBackgroudColor(Qt::red);
+  deliver();
+  EXPECT_EQ(view.paints, before + 1);
+  view.setBackgroudColor(Qt::red);
+  deliver();
+  EXPECT_EQ(view.paints, before + 1);
+}
+
 }  // namespace
 }  // namespace zq

@@ -197,5 +197,23 @@ TEST_F(CheckBox, IsAsLargeAsBoxAndTitleNeed) {
   EXPECT_GE(box_.sizeHint().height(), 14);
 }
 
+TEST_F(CheckBox, StandsWhereTheFrameBegins) {
+  const auto drawn = [this] {
+    QImage picture(300, 80, QImage::Format_ARGB32_Premultiplied);
+    picture.setDevicePixelRatio(2);
+    picture.fill(Qt::black);
+    QPainter painter(&picture);
+    ZQCaptureCheckBoxCell().drawWithFrameInView(painter, {10, 7, 120, 20}, box_);
+    return picture;
+  };
+  const QImage picture = drawn();
+  EXPECT_TRUE(isColorAt(picture, 10.5, 26.5, flat("checkBoxOff")));
+  EXPECT_TRUE(isColorAt(picture, 22.5, 13.5, flat("checkBoxOff")));
+  EXPECT_TRUE(isColorAt(picture, 9.5, 20, Qt::black));
+  EXPECT_TRUE(isColorAt(picture, 15, 27.5, Qt::black));
+  box_.setText({});
+  EXPECT_NEAR(differenceOf(picture, drawn()).left(), 25, 2);
+}
+
 }  // namespace
 }  // namespace zq

@@ -94,13 +94,15 @@ class ControlPanelKinds : public ControlPanelCell, public testing::WithParamInte
  protected:
   ControlPanelKinds() { prepare(button_, GetParam().tag); }
 
+  QRectF frame_{0, 0, 12, 0};
+
   /// With the cell alone, its frame flat as a line so that the icon hides no background.
   QImage background(qreal scale) const {
     QImage picture((QSizeF(60, 60) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
     picture.setDevicePixelRatio(scale);
     picture.fill(Qt::black);
     QPainter painter(&picture);
-    ZQAccurateControlPanelButtonCell().drawWithFrameInView(painter, {0, 0, 12, 0}, button_);
+    ZQAccurateControlPanelButtonCell().drawWithFrameInView(painter, frame_, button_);
     return picture;
   }
 
@@ -263,6 +265,51 @@ TEST_F(ControlPanelCell, ItsCellRemembersThePointer) {
   EXPECT_FALSE(cell.isRollOver());
   cell.setIsRollOver(true);
   EXPECT_TRUE(cell.isRollOver());
+}
+
+TEST_P(ControlPanelKinds, PaintsItsSegmentAtTheSamePlaceWhereverTheFrameIs) {
+  frame_ = {10, 7, 12, 0};
+  expectPieces("");
+  frame_ = {10, 7, 51, 48};
+  const QImage picture = background(2);
+  const qreal left = 10 + GetParam().inset;
+  const qreal top = 7 - GetParam().lift;
+  EXPECT_TRUE(isColorAt(picture, left + 0.5, top + 0.5, panel(GetParam().icon)));
+  EXPECT_FALSE(isColorAt(picture, left - 0.5, top + 0.5, panel(GetParam().icon)));
+  EXPECT_FALSE(isColorAt(picture, left + 0.5, top - 0.5, panel(GetParam().icon)));
+}
+
+TEST_F(ControlPanelCell, OfRewindPaintsTheBackgroundOverTheLeftCap) {
+  ZQAccurateControlPanelButton rewind;
+  prepare(rewind, 10);
+  // An edge in the middle of a pixel is a mixture that tells which came last.
+  const auto painted = [](const auto& draw) {
+    QImage picture(56, 48, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::black);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(11.5 / 11, 1);
+    draw(painter);
+    return picture;
+  };
+  const auto cap = [](QPainter& painter) { SkinImage("controlPanelLeft").draw(painter, {0, 0, 11, 48}); };
+  const auto ground = [](QPainter& painter) { SkinImage("controlPanelBG").draw(painter, {11, 0, 39, 48}); };
+  const auto line = [](QPainter& painter) { SkinImage("controlPanelSeparator").draw(painter, {50, 0, 1, 48}); };
+  const QImage capFirst = painted([&](QPainter& painter) {
+    cap(painter);
+    ground(painter);
+    line(painter);
+  });
+  const QImage capLast = painted([&](QPainter& painter) {
+    ground(painter);
+    cap(painter);
+    line(painter);
+  });
+  ASSERT_NE(capFirst, capLast);
+  EXPECT_EQ(painted([&](QPainter& painter) {
+              ZQAccurateControlPanelButtonCell().drawWithFrameInView(painter, {0, 0, 12, 0}, rewind);
+            }),
+            capFirst);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QEnterEvent>
 #include <QSignalSpy>
 #include <QTest>
@@ -124,6 +125,35 @@ TEST_F(ControlPanelButton, ShowsARingForTheKeyboard) {
   const QImage without = pictureOf(play);
   focus(play, Qt::TabFocusReason);
   EXPECT_EQ(differenceOf(without, pictureOf(play)), QRectF(0, 0, play.width(), play.height()));
+}
+
+TEST_F(ControlPanelButton, IsRenamedWithItsTagWhereItNamedItself) {
+  ZQAccurateControlPanelButton button;
+  button.setTag(11);
+  button.setToolTip("Of the interface");
+  EXPECT_EQ(button.accessibleName(), "");
+  button.awakeFromNib();
+  button.setTag(13);
+  EXPECT_EQ(button.accessibleName(), "Stop");
+  EXPECT_EQ(button.toolTip(), "Of the interface");
+  button.setAccessibleName("Halt");
+  button.setTag(12);
+  EXPECT_EQ(button.accessibleName(), "Halt");
+}
+
+TEST_F(ControlPanelButton, CanBeOnForAssistiveProgramsWhereItsStateIsSeen) {
+  ZQAccurateControlPanelButton button;
+  prepare(button, 10);
+  QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&button);
+  ASSERT_NE(accessible, nullptr);
+  for (const int tag : {10, 11, 12, 14}) {
+    button.setTag(tag);
+    EXPECT_TRUE(accessible->state().checkable) << tag;
+  }
+  for (const int tag : {13, 20, 24, 30, 34, 0}) {
+    button.setTag(tag);
+    EXPECT_FALSE(accessible->state().checkable) << tag;
+  }
 }
 
 }  // namespace

@@ -96,5 +96,14 @@ TEST_F(MessageTextView, TellsItsMessageToAssistivePrograms) {
   EXPECT_EQ(accessible->text(QAccessible::Name), "No camera");
 }
 
+TEST_F(MessageTextView, IsATextForAssistivePrograms) {
+  ZQAccurateMessageTextView view;
+  view.setMessage("Searching");
+  QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&view);
+  ASSERT_NE(accessible, nullptr);
+  EXPECT_EQ(accessible->role(), QAccessible::StaticText);
+  EXPECT_EQ(accessible->text(QAccessible::Name), "Searching");
+}
+
 }  // namespace
 }  // namespace zq

@@ -5,8 +5,13 @@
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QHelpEvent>
+#include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
+#include <QWheelEvent>
 #include <string>
 
 #include "controls/control_paint.h"
@@ -240,6 +245,148 @@ TEST_F(PopupButton, IsAsWideAsItsWidestItemNeeds) {
   EXPECT_NEAR(titleBox().width(), titleSize(helveticaFont(12), "Three").width(), 3);
   EXPECT_TRUE(popUp_.setProperty("alternateTitle", "Other"));
   EXPECT_EQ(popUp_.alternateTitle(), "Other");
+}
+
+TEST_F(PopupButton, IsNamedWithItsChoiceForAssistivePrograms) {
+  popUp_.addItems({"None", "Custom..."});
+  QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&popUp_);
+  ASSERT_NE(accessible, nullptr);
+  EXPECT_EQ(accessible->text(QAccessible::Name), "None");
+  popUp_.setAccessibleName("Compression");
+  EXPECT_EQ(accessible->text(QAccessible::Name), "Compression: None");
+  EXPECT_EQ(accessible->text(QAccessible::Value), "None");
+  popUp_.setCurrentIndex(-1);
+  EXPECT_EQ(accessible->text(QAccessible::Name), "Compression");
+}
+
+TEST_F(PopupButton, HasItsMenuAsItsOnlyChildForAssistivePrograms) {
+  QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&popUp_);
+  ASSERT_NE(accessible, nullptr);
+  ASSERT_EQ(accessible->childCount(), 1);
+  ASSERT_NE(accessible->child(0), nullptr);
+  EXPECT_EQ(accessible->child(0)->object(), popUp_.view());
+  EXPECT_EQ(accessible->indexOfChild(accessible->child(0)), 0);
+  EXPECT_EQ(accessible->child(1), nullptr);
+}
+
+TEST_F(PopupButton, IsOpenedAndClosedByAssistivePrograms) {
+  addThree();
+  show(popUp_);
+  QAccessibleActionInterface* actions = QAccessible::queryAccessibleInterface(&popUp_)->actionInterface();
+  ASSERT_NE(actions, nullptr);
+  for (const QString& action :
+       {QAccessibleActionInterface::showMenuAction(), QAccessibleActionInterface::pressAction()}) {
+    EXPECT_TRUE(actions->actionNames().contains(action));
+    actions->doAction(action);
+    EXPECT_TRUE(popUp_.view()->isVisible());
+    actions->doAction(action);
+    EXPECT_FALSE(popUp_.view()->isVisible());
+  }
+  popUp_.setEnabled(false);
+  EXPECT_FALSE(actions->actionNames().contains(QAccessibleActionInterface::pressAction()));
+  actions->doAction(QAccessibleActionInterface::pressAction());
+  EXPECT_FALSE(popUp_.view()->isVisible());
+}
+
+TEST_F(PopupButton, DoesNotSelectAnItemWhoseTextAndImageStay) {
+  addThree();
+  popUp_.setItemData(2, "tip", Qt::ToolTipRole);
+  popUp_.setItemData(2, 5, Qt::UserRole);
+  EXPECT_EQ(popUp_.currentIndex(), 0);
+  emit popUp_.model()->dataChanged({}, {});
+  EXPECT_EQ(popUp_.currentIndex(), 0);
+  popUp_.setItemIcon(2, QIcon(QPixmap(4, 4)));
+  EXPECT_EQ(popUp_.currentIndex(), 2);
+  const QModelIndex second = popUp_.model()->index(1, 0);
+  emit popUp_.model()->dataChanged(second, second);  // anything may have changed
+  EXPECT_EQ(popUp_.currentIndex(), 1);
+}
+
+TEST_F(PopupButton, TellsAllOfATitleThatIsCutInATip) {
+  const auto tip = [this] {
+    QToolTip::hideText();
+    QHelpEvent event(QEvent::ToolTip, {10, 10}, popUp_.mapToGlobal(QPoint(10, 10)));
+    QApplication::sendEvent(&popUp_, &event);
+    const QString text = QToolTip::isVisible() ? QToolTip::text() : QString();
+    QToolTip::hideText();
+    return text;
+  };
+  popUp_.addItems({"A title that is far longer than the pop-up is wide", "Short"});
+  show(popUp_);
+  EXPECT_EQ(tip(), "A title that is far longer than the pop-up is wide");
+  popUp_.setToolTip("Compression of the movies");
+  EXPECT_EQ(tip(), "Compression of the movies");
+  popUp_.setToolTip({});
+  popUp_.setCurrentIndex(1);
+  deliver();
+  EXPECT_NE(tip(), "Short");
+}
+
+TEST_F(PopupButton, GrowsWithItemsThatComeOnceItIsOnScreen) {
+  QWidget window;
+  auto* layout = new QHBoxLayout(&window);
+  auto* popUp = new ZQAccuratePopupButton;
+  layout->addWidget(popUp);
+  layout->addStretch();
+  window.resize(800, 60);
+  popUp->addItems({"One"});
+  popUp->awakeFromNib();
+  show(window);
+  const int before = popUp->width();
+  popUp->addItems({"One that is a good deal longer"});
+  deliver();
+  EXPECT_GT(popUp->width(), before);
+  EXPECT_EQ(popUp->width(), popUp->sizeHint().width());
+}
+
+TEST_F(PopupButton, WithoutTheFocusIsNotChangedByTheWheel) {
+  QWidget window;
+  auto* layout = new QHBoxLayout(&window);
+  auto* other = new QLineEdit;
+  auto* popUp = new ZQAccuratePopupButton;
+  layout->addWidget(other);
+  layout->addWidget(popUp);
+  popUp->addItems({"One", "Two", "Three"});
+  popUp->awakeFromNib();
+  show(window);
+  focus(*other, Qt::TabFocusReason);
+  const auto turn = [popUp] {
+    QWheelEvent wheel({10, 10}, popUp->mapToGlobal(QPointF(10, 10)), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(popUp, &wheel);
+    return wheel.isAccepted();
+  };
+  EXPECT_FALSE(turn());
+  EXPECT_EQ(popUp->currentIndex(), 0);
+  EXPECT_TRUE(other->hasFocus());
+  focus(*popUp, Qt::TabFocusReason);
+  EXPECT_TRUE(turn());
+  EXPECT_EQ(popUp->currentIndex(), 1);
+}
+
+TEST_F(PopupButton, PaintsItsImageWithAllPixelsOfAFinePicture) {
+  QImage stripes(32, 32, QImage::Format_RGB32);
+  for (int x = 0; x < 32; ++x) {
+    for (int y = 0; y < 32; ++y) stripes.setPixelColor(x, y, x % 2 == 0 ? Qt::red : Qt::green);
+  }
+  popUp_.addItem(QIcon(QPixmap::fromImage(stripes)), "Tape");
+  popUp_.resize(120, 26);
+  const QImage picture = pictureOf(popUp_, 2);
+  EXPECT_TRUE(isColorAt(picture, 15, 10, Qt::red));
+  EXPECT_TRUE(isColorAt(picture, 15.5, 10, Qt::green));
+}
+
+TEST_F(PopupButton, TooNarrowForItsCapsPaintsTheLeftOverTheRightOne) {
+  popUp_.resize(15, 22);
+  const QImage picture = pictureOf(popUp_);
+  EXPECT_TRUE(isColorAt(picture, 3, 11, flat("popupButtonLeft")));
+  EXPECT_TRUE(isColorAt(picture, 10, 11, flat("popupButtonRight")));
+}
+
+TEST_F(PopupButton, LooksTheSameWhenDisabled) {
+  addThree();
+  const QImage enabled = pictureOf(popUp_, 2);
+  popUp_.setEnabled(false);
+  EXPECT_EQ(pictureOf(popUp_, 2), enabled);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
+
 #include "controls/controls_fixture.h"
 
 namespace zq {
@@ -45,6 +47,13 @@ TEST_F(SeparatorBarre, SqueezesTheWholePictureIntoAPartThatIsRedrawn) {
   EXPECT_TRUE(isColorAt(picture, 41, 5, Qt::red));
   EXPECT_TRUE(isColorAt(picture, 50, 5, Qt::red));
   EXPECT_TRUE(isColorAt(picture, 70, 5, Qt::green));
+}
+
+TEST_F(SeparatorBarre, IsASeparatorForAssistivePrograms) {
+  ZQRecaptureSeparatorBarre bar;
+  QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&bar);
+  ASSERT_NE(accessible, nullptr);
+  EXPECT_EQ(accessible->role(), QAccessible::Separator);
 }
 
 }  // namespace

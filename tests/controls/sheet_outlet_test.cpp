@@ -107,5 +107,17 @@ TEST_F(SheetOutletTest, OutlivesItsDialog) {
   EXPECT_EQ(ended_, 2);
 }
 
+TEST_F(SheetOutletTest, EndsTheOneBeforeWhenItBeginsAgain) {
+  int first = 0;
+  sheet_.beginSheet([&] { ++first; });
+  begin();
+  EXPECT_EQ(first, 1);
+  EXPECT_EQ(ended_, 0);
+  EXPECT_TRUE(dialog_->isVisible());
+  sheet_.endSheet();
+  EXPECT_EQ(first, 1);
+  EXPECT_EQ(ended_, 1);
+}
+
 }  // namespace
 }  // namespace zq

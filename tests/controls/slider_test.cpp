@@ -9,6 +9,7 @@
 #include <QWheelEvent>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 #include "controls/controls_fixture.h"
 #include "controls/slider_cell.h"
@@ -247,14 +248,14 @@ TEST_F(Slider, WithTickMarkValuesOnlyGoesFromOneToTheNextByKeysAndWheel) {
   EXPECT_EQ(slider_.value() % 25, 0);
 }
 
-TEST_F(Slider, WithTickMarkValuesOnlyStopsAtTheLastTickMark) {
+TEST_F(Slider, WithAnIntervalOnlySpreadsItsTickMarksOverItsRange) {
   slider_.setRange(0, 90);
   slider_.setTickPosition(QSlider::TicksBelow);
   slider_.setTickInterval(20);
   slider_.setAllowsTickMarkValuesOnly(true);
   show(slider_);
   QTest::keyClick(&slider_, Qt::Key_End);
-  EXPECT_EQ(slider_.value(), 80);
+  EXPECT_EQ(slider_.value(), 90);
 }
 
 TEST_F(Slider, WithoutTickMarksGoesInSteps) {
@@ -279,6 +280,121 @@ TEST_F(Slider, IsASliderForAssistivePrograms) {
   EXPECT_EQ(accessible->role(), QAccessible::Slider);
   EXPECT_EQ(accessible->text(QAccessible::Name), "Volume");
   EXPECT_EQ(accessible->valueInterface()->currentValue().toInt(), 50);
+}
+
+TEST_F(Slider, HasAsManyTickMarksAsItIsToldWhateverItsRange) {
+  for (const int number : {14, 18}) {
+    slider_.setNumberOfTickMarks(number);
+    EXPECT_EQ(slider_.numberOfTickMarks(), number);
+  }
+  slider_.setRange(-7, 40);
+  EXPECT_EQ(slider_.numberOfTickMarks(), 18);
+  slider_.setRange(0, 5);
+  EXPECT_EQ(slider_.numberOfTickMarks(), 18);
+  slider_.setRange(std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+  EXPECT_EQ(slider_.numberOfTickMarks(), 18);
+}
+
+TEST_F(Slider, WithTickMarkValuesOnlyReachesEveryTickMarkByKeys) {
+  for (const int number : {14, 18, 61, 101}) {
+    SCOPED_TRACE(number);
+    slider_.setNumberOfTickMarks(number);
+    slider_.setAllowsTickMarkValuesOnly(true);
+    slider_.setValue(0);
+    show(slider_);
+    for (int i = 1; i < number; ++i) {
+      QTest::keyClick(&slider_, Qt::Key_Right);
+      ASSERT_EQ(slider_.value(), std::lround(i * 100.0 / (number - 1)));
+    }
+    for (int i = number - 2; i >= 0; --i) {
+      QTest::keyClick(&slider_, Qt::Key_Left);
+      ASSERT_EQ(slider_.value(), std::lround(i * 100.0 / (number - 1)));
+    }
+  }
+}
+
+TEST_F(Slider, WithTickMarkValuesOnlyFollowsARangeThatIsSetLater) {
+  slider_.setNumberOfTickMarks(5);
+  slider_.setAllowsTickMarkValuesOnly(true);
+  slider_.setRange(0, 1000);
+  slider_.setValue(0);
+  show(slider_);
+  for (const int mark : {250, 500, 750, 1000}) {
+    QTest::keyClick(&slider_, Qt::Key_Right);
+    EXPECT_EQ(slider_.value(), mark);
+  }
+}
+
+TEST_F(Slider, WithTickMarkValuesOnlyReachesTheEndOfItsScaleInQtsOwnRange) {
+  ZQAccurateSlider slider;
+  slider.setMinValue(0);
+  slider.setMaxValue(4);
+  slider.setNumberOfTickMarks(5);
+  slider.setAllowsTickMarkValuesOnly(true);
+  slider.awakeFromNib();
+  show(slider);
+  QTest::keyClick(&slider, Qt::Key_End);
+  EXPECT_DOUBLE_EQ(slider.doubleValue(), 4);
+  QTest::keyClick(&slider, Qt::Key_Home);
+  EXPECT_DOUBLE_EQ(slider.doubleValue(), 0);
+}
+
+TEST_F(Slider, WithTickMarkValuesOnlyGoesFarInARangeOfAllNumbers) {
+  slider_.setRange(std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+  slider_.setNumberOfTickMarks(3);
+  slider_.setAllowsTickMarkValuesOnly(true);
+  slider_.setValue(slider_.minimum());
+  show(slider_);
+  QTest::keyClick(&slider_, Qt::Key_Right);
+  EXPECT_NEAR(slider_.value(), 0, 1);
+  QTest::keyClick(&slider_, Qt::Key_Right);
+  EXPECT_EQ(slider_.value(), slider_.maximum());
+}
+
+TEST_F(Slider, PaintsItsTickMarksWhereTheKnobStopsAtThem) {
+  constexpr int kNumber = 14;
+  slider_.setNumberOfTickMarks(kNumber);
+  const qreal y = slider_.knobRect().bottom() + 2;
+  ASSERT_LT(y, slider_.height());
+  std::vector<qreal> places;
+  for (int i = 0; i < kNumber; ++i) {
+    slider_.setValue(static_cast<int>(std::lround(i * 100.0 / (kNumber - 1))));
+    places.push_back(slider_.knobRect().center().x());
+  }
+  const QImage picture = pictureOf(slider_);
+  for (int i = 0; i < kNumber; ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    EXPECT_TRUE(isColorAt(picture, places[at], y, QColor(128, 128, 128))) << i;
+    if (i > 0) {
+      EXPECT_TRUE(isColorAt(picture, (places[at] + places[at - 1]) / 2, y, Qt::black)) << i;
+    }
+  }
+}
+
+TEST_F(Slider, IsNoLongerDraggedOnceItIsHidden) {
+  show(slider_);
+  QTest::mousePress(&slider_, Qt::LeftButton, {}, knob());
+  ASSERT_TRUE(isDraggingKnob());
+  slider_.hide();
+  EXPECT_FALSE(isDraggingKnob());
+}
+
+TEST_F(Slider, LooksTheSameWhenDisabled) {
+  const QImage enabled = pictureOf(slider_, 2);
+  slider_.setEnabled(false);
+  EXPECT_EQ(pictureOf(slider_, 2), enabled);
+}
+
+TEST_F(Slider, WithTickMarkValuesOnlyGoesInStepsWhereThereAreMoreTickMarks) {
+  slider_.setRange(0, 2);
+  slider_.setValue(0);
+  slider_.setNumberOfTickMarks(10);
+  slider_.setAllowsTickMarkValuesOnly(true);
+  show(slider_);
+  for (const int step : {1, 2}) {
+    QTest::keyClick(&slider_, Qt::Key_Right);
+    EXPECT_EQ(slider_.value(), step);
+  }
 }
 
 }  // namespace

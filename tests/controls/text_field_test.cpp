@@ -117,10 +117,30 @@ TEST_F(TextField, HasAGreyInsertionPointThatDoesNotBlink) {
   }
 }
 
-TEST_F(TextField, ThatCannotBeEditedHasNoInsertionPoint) {
+TEST_F(TextField, ThatCanOnlyBeSelectedHasAnInsertionPointToo) {
   field_.setReadOnly(true);
+  field_.setText("Tape");
   show(field_);
   focus(field_, Qt::TabFocusReason);
+  const auto point = [this] {
+    const QImage with = pictureOf(field_);
+    field_.clearFocus();
+    const QRectF box = differenceOf(with, pictureOf(field_));
+    focus(field_, Qt::MouseFocusReason);
+    return box;
+  };
+  field_.home(false);
+  const QRectF first = point();
+  EXPECT_GT(first.height(), 8);
+  EXPECT_LE(first.width(), 2);
+  QTest::keyClick(&field_, Qt::Key_Right);
+  EXPECT_GT(point().left(), first.left());
+}
+
+TEST_F(TextField, ThatCannotBeSelectedHasNoInsertionPoint) {
+  field_.setSelectable(false);
+  show(field_);
+  field_.setFocus(Qt::OtherFocusReason);
   const QImage with = pictureOf(field_);
   field_.clearFocus();
   EXPECT_EQ(pictureOf(field_), with);
@@ -249,6 +269,21 @@ TEST_F(TextField, IsATextFieldForAssistivePrograms) {
 
 TEST_F(TextField, IsHighEnoughForItsSlices) {
   EXPECT_GE(field_.sizeHint().height(), 22);
+}
+
+TEST_F(TextField, PaintsItsSlicesAtTheUpperLeftWhereverTheFrameIs) {
+  const QImage picture = cellPicture({10, 7, 100, 22});
+  EXPECT_TRUE(isColorAt(picture, 0.5, 0.5, flat("textFieldLeft")));
+  EXPECT_TRUE(isColorAt(picture, 5.5, 21.5, flat("textFieldMiddle")));
+  EXPECT_TRUE(isColorAt(picture, 99.5, 0.5, flat("textFieldRight")));
+  EXPECT_TRUE(isColorAt(picture, 100.5, 10, Qt::black));
+  EXPECT_TRUE(isColorAt(picture, 50, 22.5, Qt::black));
+}
+
+TEST_F(TextField, NarrowerThanItsCapsPaintsTheRightOverTheLeftOne) {
+  const QImage picture = cellPicture({0, 0, 8, 22});
+  EXPECT_TRUE(isColorAt(picture, 2.5, 10, flat("textFieldLeft")));
+  EXPECT_TRUE(isColorAt(picture, 3.5, 10, flat("textFieldRight")));
 }
 
 }  // namespace

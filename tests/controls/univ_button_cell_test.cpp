@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QPainter>
+#include <cmath>
 
 #include "controls/control_paint.h"
 #include "controls/controls_fixture.h"
@@ -179,6 +180,76 @@ TEST_F(UnivButtonCell, NarrowerThanItsCapsPaintsNoMiddle) {
   const QImage picture = pictureOf(button_);
   EXPECT_TRUE(isColorAt(picture, 1, 12, flat("univButtonLeft")));
   EXPECT_TRUE(isColorAt(picture, 9, 12, flat("univButtonRight")));
+}
+
+class UnivButtonCellAlone : public UnivButtonCell {
+ protected:
+  /// Not where the control is: what ignores the frame is seen.
+  static constexpr QRectF kFrame{10, 7, 100, 24};
+
+  QImage drawn() const {
+    QImage picture(260, 80, QImage::Format_ARGB32_Premultiplied);
+    picture.setDevicePixelRatio(2);
+    picture.fill(Qt::black);
+    QPainter painter(&picture);
+    ZQCaptureUnivButtonCell().drawWithFrameInView(painter, kFrame, button_);
+    return picture;
+  }
+};
+
+TEST_F(UnivButtonCellAlone, PutsItsCapsAtZeroAndAtTheWidthButEverythingAtTheFramesHeight) {
+  const QImage picture = drawn();
+  EXPECT_TRUE(isColorAt(picture, 0.5, 30.5, flat("univButtonLeft")));
+  EXPECT_TRUE(isColorAt(picture, 5.5, 11.5, flat("univButtonLeft")));
+  EXPECT_TRUE(isColorAt(picture, 5.5, 10.5, Qt::black));
+  EXPECT_TRUE(isColorAt(picture, 6.5, 20, Qt::black));
+  EXPECT_TRUE(isColorAt(picture, 16.5, 30.5, flat("univButtonMiddle")));
+  EXPECT_TRUE(isColorAt(picture, 92.5, 20, flat("univButtonRight")));
+  EXPECT_TRUE(isColorAt(picture, 99.5, 20, flat("univButtonRight")));
+  EXPECT_TRUE(isColorAt(picture, 101.5, 20, flat("univButtonMiddle")));
+  EXPECT_TRUE(isColorAt(picture, 102.5, 20, Qt::black));
+  EXPECT_TRUE(isColorAt(picture, 50, 31.5, Qt::black));
+}
+
+TEST_F(UnivButtonCellAlone, CentresItsTitleInTheFrame) {
+  const QImage without = drawn();
+  button_.setText("Options");
+  const QRectF box = differenceOf(without, drawn());
+  EXPECT_NEAR(box.center().x(), 60, 1.5);
+  const qreal height = titleSize(helveticaFont(12), "Options").height();
+  EXPECT_GE(box.top(), 19 - height / 2 - 1);
+  EXPECT_LE(box.bottom(), 19 + height / 2 - 1);
+}
+
+TEST_F(UnivButtonCellAlone, PutsTheIconWhereTheFrameIsHighButNotWhereItBegins) {
+  button_.setText("Capture");
+  const QImage picture = drawn();
+  EXPECT_TRUE(isColorAt(picture, 82.5, 9.5, flat("recordingIcon")));
+  EXPECT_TRUE(isColorAt(picture, 96.5, 23.5, flat("recordingIcon")));
+  EXPECT_FALSE(isColorAt(picture, 97.5, 15, flat("recordingIcon")));
+  EXPECT_FALSE(isColorAt(picture, 90, 8.5, flat("recordingIcon")));
+}
+
+TEST_F(UnivButtonCell, DisabledCaptureKeepsItsIconBrightOverAFadedFrame) {
+  button_.setText("Capture");
+  button_.setEnabled(false);
+  const QImage picture = pictureOf(button_);
+  EXPECT_TRUE(isColorAt(picture, 90, 10, flat("recordingIcon")));
+  EXPECT_TRUE(isColorAt(picture, 10, 12, faded(flat("univButtonMiddle"), 0.35)));
+}
+
+TEST_F(UnivButtonCell, PressedAndDisabledHasADarkTitleAsFaintAsItsFrame) {
+  button_.setText("WWWW");
+  button_.setEnabled(false);
+  button_.setDown(true);
+  ASSERT_TRUE(button_.isDown());
+  const QColor frame = faded(flat("univButtonMiddleClicked"), 0.35);
+  const auto part = [](int under) { return static_cast<int>(std::lround(under * 0.65 + 77 * 0.35)); };
+  const QImage picture = pictureOf(button_, 2);
+  EXPECT_TRUE(isColorAt(picture, 10, 12, frame));
+  EXPECT_TRUE(hasColor(picture, {20, 6, 60, 14}, {part(frame.red()), part(frame.green()), part(frame.blue())}, 6));
+  EXPECT_FALSE(hasColor(picture, {20, 6, 60, 14}, QColor(77, 77, 77), 12));
+  EXPECT_FALSE(hasColor(picture, {20, 6, 60, 14}, QColor(128, 128, 128), 12));
 }
 
 }  // namespace

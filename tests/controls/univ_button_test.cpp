@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <QAccessible>
+#include <QDialog>
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
+#include <cmath>
 #include <memory>
 
 #include "controls/control_paint.h"
@@ -165,6 +167,7 @@ TEST_F(UnivButton, ShowsAThinRingWhenTheKeyboardBroughtTheFocus) {
 
 TEST_F(UnivButton, ShowsNoRingWhenTheMouseBroughtTheFocus) {
   show(button_);
+  button_.clearFocus();
   const QImage without = pictureOf(button_);
   focus(button_, Qt::MouseFocusReason);
   EXPECT_EQ(pictureOf(button_), without);
@@ -228,6 +231,106 @@ TEST_F(UnivButton, IsReachedByItsShortcut) {
   show(window);
   QTest::keyClick(&window, Qt::Key_O, Qt::AltModifier);
   EXPECT_EQ(presses.count(), 1);
+}
+
+TEST_F(UnivButton, ShowsARingWhenItIsTheFirstOfItsWindowToHaveTheFocus) {
+  QDialog dialog;
+  auto* button = new ZQCaptureUnivButton(&dialog);
+  button->resize(100, 24);
+  button->awakeFromNib();
+  const QImage without = pictureOf(*button);
+  show(dialog);
+  ASSERT_TRUE(button->hasFocus());
+  EXPECT_NE(pictureOf(*button), without);
+}
+
+TEST_F(UnivButton, ShowsTheRingForEveryReasonButTheMouse) {
+  show(button_);
+  focus(button_, Qt::MouseFocusReason);
+  const QImage without = pictureOf(button_);
+  for (const auto reason : {Qt::TabFocusReason, Qt::BacktabFocusReason, Qt::ShortcutFocusReason, Qt::OtherFocusReason,
+                            Qt::MenuBarFocusReason}) {
+    focus(button_, reason);
+    EXPECT_NE(pictureOf(button_), without) << reason;
+  }
+}
+
+TEST_F(UnivButton, ShowsNoRingAfterAnInterruptionThatItHadNotBefore) {
+  show(button_);
+  focus(button_, Qt::MouseFocusReason);
+  const QImage without = pictureOf(button_);
+  QApplication::setActiveWindow(nullptr);
+  QApplication::setActiveWindow(&button_);
+  ASSERT_TRUE(button_.hasFocus());
+  EXPECT_EQ(pictureOf(button_), without);
+}
+
+TEST_F(UnivButton, HasTheStateThatIsSetWhileItsChangeIsTold) {
+  QObject::connect(&button_, &QPushButton::toggled, &button_, [this](bool on) {
+    if (on) button_.setChecked(false);
+  });
+  button_.setState(true);
+  deliver();
+  EXPECT_FALSE(button_.isChecked());
+  EXPECT_FALSE(button_.state());
+}
+
+TEST_F(UnivButton, TitledCaptureHasRoomForItsIcon) {
+  button_.setText("Other");
+  const int other =
+      button_.sizeHint().width() - static_cast<int>(std::ceil(titleSize(helveticaFont(12), "Other").width()));
+  button_.setText("&Capture");
+  button_.resize(button_.sizeHint());
+  const qreal width = titleSize(helveticaFont(12), "Capture").width();
+  const qreal left = button_.width() / 2.0 - width / 2 - 15;
+  EXPECT_GE(left, 6);
+  EXPECT_LE(left + width, button_.width() - 18);
+  EXPECT_NEAR(button_.width(), other + width + 30, 2);
+  button_.setText("Stop the capture now");
+  const int without = button_.sizeHint().width();
+  button_.setAlternateTitle("Capture");
+  EXPECT_EQ(button_.sizeHint().width(), without + 30);
+}
+
+TEST_F(UnivButton, CanBeOnForAssistiveProgramsOnlyWhereThatIsSeen) {
+  button_.setText("Options");
+  QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&button_);
+  EXPECT_FALSE(accessible->state().checkable);
+  button_.setChecked(true);
+  EXPECT_TRUE(accessible->state().checkable);
+  button_.setChecked(false);
+  button_.setAlternateTitle("Close");
+  EXPECT_TRUE(accessible->state().checkable);
+}
+
+TEST_F(UnivButton, TellsAssistiveProgramsItsShortcutAndNothingTwice) {
+  button_.setText("&Options");
+  button_.setToolTip("Options");
+  QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&button_);
+  EXPECT_EQ(accessible->text(QAccessible::Accelerator), button_.shortcut().toString(QKeySequence::NativeText));
+  EXPECT_FALSE(accessible->text(QAccessible::Accelerator).isEmpty());
+  EXPECT_EQ(accessible->text(QAccessible::Description), "");
+  button_.setToolTip("Opens the options");
+  EXPECT_EQ(accessible->text(QAccessible::Description), "Opens the options");
+}
+
+TEST_F(UnivButton, TellsOfEachOtherTitleThatItShows) {
+  button_.setText("Capture");
+  const auto told = [this](const auto& change) {
+    const QSignalSpy titles(&button_, &ZQCaptureUnivButton::shownTitleChanged);
+    change();
+    return titles.count();
+  };
+  EXPECT_EQ(told([&] { button_.setChecked(true); }), 0);
+  EXPECT_EQ(told([&] { button_.setAlternateTitle("Stop"); }), 1);
+  EXPECT_EQ(told([&] { button_.setAlternateTitle("Stop"); }), 0);
+  EXPECT_EQ(told([&] { button_.setChecked(false); }), 1);
+  EXPECT_EQ(told([&] { button_.setAlternateTitle("End"); }), 0);
+  EXPECT_EQ(told([&] {
+              button_.setState(true);
+              deliver();
+            }),
+            1);
 }
 
 }  // namespace

@@ -180,5 +180,29 @@ TEST_F(InterfaceLoaderTest, RefusesWhatIsNoInterfaceFile) {
   EXPECT_THAT(refusal(fileWith("\x89PNG\r\n")), HasSubstr("It is not an interface file"));
 }
 
+TEST_F(InterfaceLoaderTest, FindsNothingOnceItsWidgetsAreGone) {
+  const auto interface = loaded(kControls);
+  ASSERT_TRUE(interface);
+  delete &interface->root();
+  EXPECT_EQ(interface->outlet<outlets::PopUp>("compressionPopUp"), nullptr);
+  EXPECT_EQ(interface->outlet<outlets::Panel>("optionsView"), nullptr);
+  EXPECT_EQ(interface->outlet<outlets::Sheet>("optionsView"), nullptr);
+}
+
+TEST_F(InterfaceLoaderTest, AnswersOnePanelAndOneSheetForOneWidget) {
+  const auto controls = loaded(kControls);
+  ASSERT_TRUE(controls);
+  auto* panel = controls->outlet<outlets::Panel>("optionsView");
+  ASSERT_NE(panel, nullptr);
+  EXPECT_EQ(controls->outlet<outlets::Panel>("optionsView"), panel);
+  EXPECT_NE(controls->outlet<outlets::Panel>("recordButton"), panel);
+  const auto dialog =
+      loaded(fileWith(R"(<ui version="4.0"><class>d</class><widget class="QDialog" name="optionsWindow"/></ui>)"));
+  ASSERT_TRUE(dialog);
+  auto* sheet = dialog->outlet<outlets::Sheet>("optionsWindow");
+  ASSERT_NE(sheet, nullptr);
+  EXPECT_EQ(dialog->outlet<outlets::Sheet>("optionsWindow"), sheet);
+}
+
 }  // namespace
 }  // namespace zq
