@@ -22,24 +22,6 @@ constexpr std::chrono::milliseconds kLongestWait = std::chrono::hours(24);
 
 }  // namespace
 
-/// Knows nothing of the loop, so that a handle may outlive it.
-class QtMainLoop::OneShotTimer final : public platform::Timer {
- public:
-  explicit OneShotTimer(std::function<void()> fire) : fire_(std::move(fire)) {}
-
-  // Taken out first: what goes with the function may ask for this timer again.
-  void invalidate() override { const std::function<void()> dropped = std::exchange(fire_, nullptr); }
-  bool isValid() const override { return fire_ != nullptr; }
-
-  void fire() {
-    if (const std::function<void()> call = std::exchange(fire_, nullptr)) call();
-  }
-
- private:
-  // Main thread only, once the loop has it. Empty when not valid.
-  std::function<void()> fire_;
-};
-
 QtMainLoop::QtMainLoop(platform::Runtime& system)
     : clock_(system.clock()), mutex_(system.makeMutex("Qt main loop")), context_(std::make_unique<QObject>()) {}
 
@@ -85,7 +67,7 @@ bool QtMainLoop::isCurrent() const {
 }
 
 std::shared_ptr<platform::Timer> QtMainLoop::startTimer(platform::Duration delay, std::function<void()> fire) {
-  auto timer = std::make_shared<OneShotTimer>(std::move(fire));
+  auto timer = std::make_shared<platform::OneShotTimer>(std::move(fire));
   const platform::TimePoint now = clock_.now();
   const auto wait = std::max(delay, platform::Duration::zero());
   const platform::TimePoint deadline =
@@ -98,7 +80,7 @@ std::shared_ptr<platform::Timer> QtMainLoop::startTimer(platform::Duration delay
   return timer;
 }
 
-void QtMainLoop::arm(const std::shared_ptr<OneShotTimer>& timer, platform::TimePoint deadline) {
+void QtMainLoop::arm(const std::shared_ptr<platform::OneShotTimer>& timer, platform::TimePoint deadline) {
   const auto left = std::chrono::ceil<std::chrono::milliseconds>(
       std::clamp<platform::Duration>(deadline - clock_.now(), platform::Duration::zero(), kLongestWait));
   // Due at once: as a task, behind those that wait already.
@@ -107,7 +89,7 @@ void QtMainLoop::arm(const std::shared_ptr<OneShotTimer>& timer, platform::TimeP
 }
 
 // Qt may be a moment early, and a long wait comes in parts.
-void QtMainLoop::fireWhenDue(const std::shared_ptr<OneShotTimer>& timer, platform::TimePoint deadline) {
+void QtMainLoop::fireWhenDue(const std::shared_ptr<platform::OneShotTimer>& timer, platform::TimePoint deadline) {
   if (!timer->isValid()) return;
   if (clock_.now() < deadline) return arm(timer, deadline);
   timer->fire();

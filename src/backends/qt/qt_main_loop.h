@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "platform/executor.h"
+#include "platform/one_shot_timer.h"
 #include "platform/thread.h"
 
 namespace zq::platform {
@@ -34,13 +35,11 @@ class QtMainLoop final : public platform::MainLoop {
   void quit() override;
 
  private:
-  class OneShotTimer;
-
   void wakeForOneTask();
   void runOneTask();
   bool mustReturn();
-  void arm(const std::shared_ptr<OneShotTimer>& timer, platform::TimePoint deadline);
-  void fireWhenDue(const std::shared_ptr<OneShotTimer>& timer, platform::TimePoint deadline);
+  void arm(const std::shared_ptr<platform::OneShotTimer>& timer, platform::TimePoint deadline);
+  void fireWhenDue(const std::shared_ptr<platform::OneShotTimer>& timer, platform::TimePoint deadline);
 
   // Constant after construction. What is posted to context_ is dropped with it.
   platform::Clock& clock_;

@@ -9,24 +9,6 @@
 
 namespace zq::backend {
 
-/// Knows nothing of the loop, so that a handle may outlive it; the loop passes over a timer that is no longer valid.
-class RunLoop::OneShotTimer final : public platform::Timer {
- public:
-  explicit OneShotTimer(std::function<void()> fire) : fire_(std::move(fire)) {}
-
-  // Taken out first: what goes with the function may ask for this timer again.
-  void invalidate() override { const std::function<void()> dropped = std::exchange(fire_, nullptr); }
-  bool isValid() const override { return fire_ != nullptr; }
-
-  void fire() {
-    if (const std::function<void()> call = std::exchange(fire_, nullptr)) call();
-  }
-
- private:
-  // Main thread only, once the loop has it. Empty when not valid.
-  std::function<void()> fire_;
-};
-
 RunLoop::RunLoop(platform::Runtime& runtime)
     : clock_(runtime.clock()), mutex_(runtime.makeMutex("run loop")), changed_(runtime.makeCondition("run loop")) {}
 
@@ -52,7 +34,7 @@ void RunLoop::post(std::function<void()> task) {
 }
 
 std::shared_ptr<platform::Timer> RunLoop::startTimer(platform::Duration delay, std::function<void()> fire) {
-  auto timer = std::make_shared<OneShotTimer>(std::move(fire));
+  auto timer = std::make_shared<platform::OneShotTimer>(std::move(fire));
   const std::lock_guard guard(*mutex_);
   // A multimap keeps equal keys in the order in which they came.
   timers_.emplace(deadlineAfter(clock_.now(), delay), timer);

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "platform/executor.h"
+#include "platform/one_shot_timer.h"
 #include "platform/thread.h"
 
 namespace zq::platform {
@@ -36,8 +37,6 @@ class RunLoop final : public platform::MainLoop {
   void quit() override;
 
  private:
-  class OneShotTimer;
-
   std::optional<std::function<void()>> waitForTask();
   void queueDueTimers();
 
@@ -49,7 +48,7 @@ class RunLoop final : public platform::MainLoop {
 
   // Guarded by mutex_.
   std::deque<std::function<void()>> tasks_;
-  std::multimap<platform::TimePoint, std::shared_ptr<OneShotTimer>> timers_;
+  std::multimap<platform::TimePoint, std::shared_ptr<platform::OneShotTimer>> timers_;
   bool quit_ = false;
 };
 
