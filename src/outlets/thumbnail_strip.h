@@ -9,7 +9,8 @@ namespace zq::outlets {
 
 class BindingArea;
 
-/// From any thread, but for setBindingAreaView() and what moves the strip, which are the main thread's. Null is for none.
+/// From any thread, but for setBindingAreaView() and what moves the strip, which are the main thread's. Null is for
+/// none.
 class ThumbnailStrip {
  public:
   virtual ~ThumbnailStrip() = default;
@@ -21,8 +22,8 @@ class ThumbnailStrip {
   virtual void setCursorTimecode(const SMPTETime& timecode) = 0;
   /// Whether the edges roll the strip when the pointer rests on them.
   virtual void setIsMouseDownActive(bool active) = 0;
-  /// Glides, within a second, to where the active clip's picture stands in the middle. `offset`: how far to the right of
-  /// the middle its centre is now, in points.
+  /// Glides, within a second, to where the active clip's picture stands in the middle. `offset`: how far to the right
+  /// of the middle its centre is now, in points.
   virtual void triggerRelocationTimerWithOffset(float offset) = 0;
   /// Puts a strip of so many pictures in the middle, or at its start when it is wider than the view.
   virtual void findFirstPosterImagePosWithClipCount(int clipCount) = 0;

@@ -39,13 +39,12 @@ QtMainLoop::~QtMainLoop() {
 
 // Qt would go on with all that was posted when run() is to return. So the tasks wait here, and Qt is only told of them.
 void QtMainLoop::post(std::function<void()> task) {
-  {
-    const std::lock_guard guard(*mutex_);
-    tasks_.push_back(std::move(task));
-  }
+  const std::lock_guard guard(*mutex_);
+  tasks_.push_back(std::move(task));
   wakeForOneTask();
 }
 
+// With the mutex held: whoever frees what is posted here has held it since.
 void QtMainLoop::wakeForOneTask() {
   QMetaObject::invokeMethod(
       context_.get(), [this] { runOneTask(); }, Qt::QueuedConnection);
@@ -99,11 +98,10 @@ void QtMainLoop::run() {
   assert(isCurrent());
   ++runs_;
   // Those that an earlier quit() left.
-  const std::size_t left = [&] {
+  {
     const std::lock_guard guard(*mutex_);
-    return tasks_.size();
-  }();
-  for (std::size_t task = 0; task < left; ++task) wakeForOneTask();
+    for (std::size_t task = 0; task < tasks_.size(); ++task) wakeForOneTask();
+  }
   QEventLoop loop;
   while (!mustReturn()) loop.processEvents(QEventLoop::WaitForMoreEvents);
   --runs_;
@@ -115,10 +113,8 @@ bool QtMainLoop::mustReturn() {
 }
 
 void QtMainLoop::quit() {
-  {
-    const std::lock_guard guard(*mutex_);
-    quit_ = true;
-  }
+  const std::lock_guard guard(*mutex_);
+  quit_ = true;
   wakeForOneTask();  // which it will not run: it ends Qt's waiting
 }
 
