@@ -130,17 +130,13 @@ CalendarDate CalendarDate::dateByAdding(int years, int months, int days, int hou
 
 std::string CalendarDate::isoString() const {
   std::string text;
-  appendIsoString(text);
-  return text;
-}
-
-void CalendarDate::appendIsoString(std::string& out) const {
-  appendDigits(out, year_, 4);
+  appendDigits(text, year_, 4);
   for (const auto& [separator, number] :
        {std::pair{'-', month_}, {'-', day_}, {'T', hour_}, {':', minute_}, {':', second_}}) {
-    out.push_back(separator);
-    appendDigits(out, number, 2);
+    text.push_back(separator);
+    appendDigits(text, number, 2);
   }
+  return text;
 }
 
 }  // namespace zq

@@ -41,7 +41,6 @@ class CalendarDate {
 
   /// "YYYY-MM-DDTHH:MM:SS", local time without a zone.
   std::string isoString() const;
-  void appendIsoString(std::string& out) const;
 
   bool operator==(const CalendarDate& other) const { return referenceSeconds_ == other.referenceSeconds_; }
 

@@ -7,8 +7,8 @@ namespace zq {
 
 void appendDigits(std::string& out, std::int64_t number, int width) {
   if (width == 2 && number >= 0 && number < 100) {
-    out.push_back(static_cast<char>('0' + number / 10));
-    out.push_back(static_cast<char>('0' + number % 10));
+    const std::array<char, 2> digits{static_cast<char>('0' + number / 10), static_cast<char>('0' + number % 10)};
+    out.append(digits.data(), digits.size());
     return;
   }
   std::array<char, 24> digits{};

@@ -3,11 +3,14 @@
 #include <fmt/format.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <vector>
 
 #include "backends/time/real_runtime.h"
+#include "base/calendar_date.h"
 #include "base/digits.h"
 #include "dv/dv_constants.h"
 #include "host/exit_codes.h"
@@ -24,7 +27,22 @@ using nlohmann::ordered_json;
 constexpr char kFrameHeader[] = "frame,offset,system,timecode,recordingDate,aspectRatio\n";
 constexpr char kSceneHeader[] = "firstFrame,frames,startTimecode,endTimecode,recordingDate,aspectRatio\n";
 
+/// The texts of dates. A frame mostly has the date of the one before it.
+class DateTexts {
+ public:
+  const std::string& of(const CalendarDate& date) {
+    if (!last_ || *last_ != date) text_ = date.isoString();
+    last_ = date;
+    return text_;
+  }
+
+ private:
+  std::optional<CalendarDate> last_;
+  std::string text_;
+};
+
 std::string frameRows(std::span<const FrameRecord> records) {
+  DateTexts dates;
   std::string rows;
   rows.reserve(records.size() * 80);
   for (const FrameRecord& record : records) {
@@ -36,7 +54,7 @@ std::string frameRows(std::span<const FrameRecord> records) {
     rows += ',';
     if (record.timecode) appendTimecodeText(rows, *record.timecode);
     rows += ',';
-    if (record.recordingDate) record.recordingDate->appendIsoString(rows);
+    if (record.recordingDate) rows += dates.of(*record.recordingDate);
     rows += ',';
     appendDigits(rows, record.aspectRatio, 1);
     rows += '\n';
@@ -147,9 +165,16 @@ class Inspection {
   SceneList scenes_;
 };
 
+/// Otherwise each conversion of a date looks on the disk whether the system's time zone has changed.
+void nameTheTimeZone() {
+  constexpr int kKeepAnother = 0;
+  ::setenv("TZ", ":/etc/localtime", kKeepAnother);
+}
+
 }  // namespace
 
 int runInspect(const InspectOptions& options, Console& console) {
+  nameTheTimeZone();
   backend::RealRuntime runtime;
   auto inspector = TapeInspector::open(options.tape, runtime);
   if (!inspector.ok()) {

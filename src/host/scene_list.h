@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/calendar_date.h"
-#include "host/tape_inspector.h"
+#include "host/frame_record.h"
 
 namespace zq::host {
 

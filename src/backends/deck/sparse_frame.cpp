@@ -17,7 +17,7 @@ std::uint32_t bitOf(std::uint32_t index) {
 
 }  // namespace
 
-SparseFrame::SparseFrame(const TapeFile& file) : file_(file), buffer_(std::size_t{FRAME_SIZE_625_50}) {}
+SparseFrame::SparseFrame(const TapeFile& file) : reader_(file), buffer_(std::size_t{FRAME_SIZE_625_50}) {}
 
 Status SparseFrame::begin(std::uint64_t offset, DVSystem system) {
   offset_ = offset;
@@ -65,7 +65,7 @@ Status SparseFrame::loadVaux(std::uint32_t index) {
 }
 
 Status SparseFrame::read(std::size_t start, std::size_t length) {
-  return file_.read(std::span(buffer_).subspan(start, length), offset_ + start);
+  return reader_.read(std::span(buffer_).subspan(start, length), offset_ + start);
 }
 
 }  // namespace zq::backend

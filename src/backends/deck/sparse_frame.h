@@ -7,13 +7,13 @@
 #include <vector>
 
 #include "backends/deck/frame_index.h"
-#include "backends/deck/tape_file.h"
+#include "backends/deck/tape_reader.h"
 #include "base/shared_bytes.h"
 #include "base/status.h"
 
 namespace zq::backend {
 
-/// One thread at a time. The buffer is used again for each frame.
+/// One thread, the same throughout. The buffer is used again for each frame.
 class SparseFrame {
  public:
   explicit SparseFrame(const TapeFile& file);
@@ -27,6 +27,8 @@ class SparseFrame {
   Status needSequence(std::uint32_t index);
   /// Reads the VAUX blocks of sequence `index` likewise.
   Status needVaux(std::uint32_t index);
+  /// Fails when the file became shorter meanwhile, with what was read of it last perhaps zeros.
+  Status checkFile() const { return reader_.checkFile(); }
   /// As large as the frame. What was not asked for holds what an earlier frame left there. Valid as long as this
   /// object.
   const SharedBytes& bytes() const { return view_; }
@@ -37,7 +39,7 @@ class SparseFrame {
   Status read(std::size_t start, std::size_t length);
   std::uint32_t namedBy(std::uint32_t index) const;
 
-  const TapeFile& file_;
+  TapeReader reader_;
   std::vector<std::uint8_t> buffer_;
   std::uint64_t offset_ = 0;
   std::uint32_t sequences_ = 0;

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -80,6 +81,17 @@ Status TapeFile::read(std::span<std::uint8_t> destination, std::uint64_t offset)
     offset += static_cast<std::uint64_t>(count);
   }
   return {};
+}
+
+Status TapeFile::checkSize() const {
+  struct stat info {};
+  if (::fstat(descriptor_, &info) != 0 || static_cast<std::uint64_t>(info.st_size) >= size_) return {};
+  return shrunk();
+}
+
+TapeWindow TapeFile::window(std::uint64_t offset, std::uint64_t length) const {
+  if (offset >= size_) return {};
+  return {descriptor_, offset, std::min(length, size_ - offset)};
 }
 
 }  // namespace zq::backend

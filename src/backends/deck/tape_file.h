@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 
+#include "backends/deck/tape_window.h"
 #include "base/status.h"
 
 namespace zq::backend {
@@ -28,6 +29,12 @@ class TapeFile {
 
   /// Fills `destination` from `offset` on. Fails when the file cannot be read there or has become shorter.
   Status read(std::span<std::uint8_t> destination, std::uint64_t offset) const;
+  /// Fails when the file has become shorter than it was when it was opened. A mapped file that lost less than a page
+  /// tells it by nothing else: its lost bytes read as zeros.
+  Status checkSize() const;
+  /// The file from `offset` on, a multiple of the page size, for `length` bytes or up to the size it had when it was
+  /// opened. Empty where there is nothing or the system maps no such files.
+  TapeWindow window(std::uint64_t offset, std::uint64_t length) const;
 
  private:
   TapeFile(std::string path, int descriptor, std::uint64_t size);

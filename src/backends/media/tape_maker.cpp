@@ -7,6 +7,7 @@
 #include <span>
 
 #include "backends/media/dv_picture_encoder.h"
+#include "backends/media/gathered_output.h"
 #include "backends/media/output_file.h"
 #include "backends/media/scene_painter.h"
 #include "backends/media/scene_sound.h"
@@ -77,18 +78,20 @@ std::string dateText(const std::optional<StampDateTime>& date) {
 class TapeInTheMaking {
  public:
   TapeInTheMaking(OutputFile& file, DVSystem system, std::int64_t framesInAll, const TapeMaker::Progress& progress)
-      : file_(file), system_(system), rate_(frameRateOf(system)), framesInAll_(framesInAll), progress_(progress) {
+      : output_(file), system_(system), rate_(frameRateOf(system)), framesInAll_(framesInAll), progress_(progress) {
     setTimecode({});
   }
 
   Status record(int number, const TapeScene& scene);
+  /// After the last scene.
+  Status finish() { return output_.flush(); }
 
  private:
   void setTimecode(SMPTETime timecode);
   PictureContent contentOf(int number, int frame, const std::optional<StampDateTime>& date) const;
   Status recordFrame(std::span<std::uint8_t> frame, const FrameStamp& stamp, SceneSound& sound);
 
-  OutputFile& file_;
+  GatheredOutput output_;
   const DVSystem system_;
   const FrameRate rate_;
   const std::int64_t framesInAll_;
@@ -143,7 +146,7 @@ Status TapeInTheMaking::recordFrame(std::span<std::uint8_t> frame, const FrameSt
   const int samples = samplesInFrame(system_, framesMade_);
   writeFrameSound(frame, system_, sound.next(samples));
   stampFrame(frame, stamp);
-  Status written = file_.writeAt(file_.size(), frame);
+  Status written = output_.append(frame);
   if (!written.ok()) return written;
   ++framesMade_;
   if (progress_) progress_(framesMade_, framesInAll_);
@@ -158,7 +161,7 @@ Status recordAll(OutputFile& file, DVSystem system, const std::vector<TapeScene>
     Status recorded = tape.record(++number, scene);
     if (!recorded.ok()) return recorded;
   }
-  return {};
+  return tape.finish();
 }
 
 }  // namespace
