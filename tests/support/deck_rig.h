@@ -1,6 +1,8 @@
 #pragma once
 // A simulated deck in virtual time, with somebody who writes down what it delivers and announces.
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -143,5 +145,15 @@ inline platform::Duration deckTick(DVSystem system, std::int64_t tick) {
   if (system == DVSystem::pal625_50) return std::chrono::milliseconds(40) * tick;
   return platform::Duration(tick * 1'001'000'000 / 30);
 }
+
+/// A test with a scratch folder for its tape.
+class DeckTest : public testing::Test {
+ protected:
+  std::string tapeOf(std::int64_t frames, DVSystem system = DVSystem::pal625_50) const {
+    return DeckTape(folder_.file("tape.dv")).add(system, frames).path();
+  }
+
+  ScratchFolder folder_;
+};
 
 }  // namespace zq::test

@@ -15,28 +15,25 @@ using test::DeckDelivery;
 using test::DeckRig;
 using test::DeckSink;
 using test::DeckTape;
+using test::DeckTest;
 using test::deckTick;
 using test::kDeckPause;
 using test::kDeckPlay;
 using test::kDeckStop;
-using test::ScratchFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr DVSystem kPal = DVSystem::pal625_50;
 
-class DeckDeliveries : public testing::Test {
+class DeckDeliveries : public DeckTest {
  protected:
-  std::string tapeOf(std::int64_t frames) { return DeckTape(folder_.file("tape.dv")).add(kPal, frames).path(); }
   /// The sink takes this long for the frame.
   static void holdUp(DeckRig& rig, std::int64_t frame, platform::Duration duration) {
     rig.sink.onFrame = [&rig, frame, duration](std::int64_t number) {
       if (number == frame) rig.runtime.clock().sleepFor(duration);
     };
   }
-
-  ScratchFolder folder_;
 };
 
 TEST_F(DeckDeliveries, StopStreamingDoesNotWaitAndWaitForDeliveryDoes) {

@@ -14,26 +14,19 @@ using platform::AVCTransportControls;
 using platform::Duration;
 using test::DeckNotice;
 using test::DeckRig;
-using test::DeckTape;
+using test::DeckTest;
 using test::kDeckPause;
 using test::kDeckPlay;
 using test::kDeckReverse;
-using test::kDeckRewind;
 using test::kDeckStop;
 using test::kDeckWind;
-using test::ScratchFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr DVSystem kPal = DVSystem::pal625_50;
 
-class DeckStatus : public testing::Test {
- protected:
-  std::string tapeOf(std::int64_t frames) { return DeckTape(folder_.file("tape.dv")).add(kPal, frames).path(); }
-
-  ScratchFolder folder_;
-};
+class DeckStatus : public DeckTest {};
 
 TEST_F(DeckStatus, ACommandFromTheMainThreadIsAnnouncedBeforeItReturns) {
   DeckRig rig(tapeOf(20));

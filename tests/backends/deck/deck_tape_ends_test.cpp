@@ -14,6 +14,7 @@ using test::DeckDelivery;
 using test::DeckNotice;
 using test::DeckRig;
 using test::DeckTape;
+using test::DeckTest;
 using test::deckTick;
 using test::kDeckPause;
 using test::kDeckPlay;
@@ -21,19 +22,13 @@ using test::kDeckReverse;
 using test::kDeckRewind;
 using test::kDeckStop;
 using test::kDeckWind;
-using test::ScratchFolder;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr DVSystem kPal = DVSystem::pal625_50;
 constexpr DVSystem kNtsc = DVSystem::ntsc525_60;
 
-class DeckTapeEnds : public testing::Test {
- protected:
-  std::string tapeOf(std::int64_t frames) { return DeckTape(folder_.file("tape.dv")).add(kPal, frames).path(); }
-
-  ScratchFolder folder_;
-};
+class DeckTapeEnds : public DeckTest {};
 
 TEST_F(DeckTapeEnds, PlayingStopsBehindTheLastFrameAndSaysSo) {
   DeckRig rig(tapeOf(5));

@@ -14,6 +14,7 @@ using platform::Duration;
 using test::DeckDelivery;
 using test::DeckRig;
 using test::DeckTape;
+using test::DeckTest;
 using test::deckTick;
 using test::kDeckPause;
 using test::kDeckPlay;
@@ -21,7 +22,6 @@ using test::kDeckReverse;
 using test::kDeckRewind;
 using test::kDeckStop;
 using test::kDeckWind;
-using test::ScratchFolder;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
@@ -61,7 +61,7 @@ const TransportRow kRows[] = {
     {"SearchAtNineTimesBackwards", {1, -19000}, {19, 10, 1}},
 };
 
-class DeckTransport : public testing::Test {
+class DeckTransport : public DeckTest {
  protected:
   /// Plays `frames` frames from here on and stops behind the last one.
   static void playAndStop(DeckRig& rig, std::int64_t frames, DVSystem system = kPal) {
@@ -70,17 +70,12 @@ class DeckTransport : public testing::Test {
     rig.command(kDeckStop);
     rig.runFor(1s);
   }
-  std::string tapeOf(std::int64_t frames, DVSystem system = kPal) {
-    return DeckTape(folder_.file("tape.dv")).add(system, frames).path();
-  }
   /// What the deck shows in `ticks` ticks from here on.
   static Numbers shownIn(DeckRig& rig, std::int64_t ticks) {
     rig.sink.deliveries.clear();
     rig.runFor(deckTick(kPal, ticks) - 1ms);
     return rig.sink.numbers();
   }
-
-  ScratchFolder folder_;
 };
 
 class DeckTransportRow : public DeckTransport,

@@ -15,7 +15,6 @@ namespace {
 using test::Clip;
 using test::clipOfFile;
 using test::DVRecordingLog;
-using test::EachContainer;
 using test::expectPicturesOf;
 using test::expectSound;
 using test::FrameBytes;
