@@ -40,16 +40,16 @@ bool sameWallClock(const std::tm& a, const std::tm& b) {
 }
 
 // In the hour that a zone repeats in autumn the first one counts. Left to itself, mktime takes the one that it took
-// last, and two frames of the same date could be an hour apart. Zones repeat an hour, or half of one.
+// last, and two frames of the same date could be an hour apart. Zones repeat an hour, or half of one; which of the two
+// is called summer time differs, and where a zone moved for good neither is.
 std::time_t secondsOf(std::tm fields) {
   fields.tm_isdst = -1;
   const std::time_t seconds = std::mktime(&fields);
-  if (fields.tm_isdst > 0) return seconds;
   for (const std::time_t repeated : {3600, 1800}) {
     const std::time_t earlier = seconds - repeated;
     std::tm first{};
     localtime_r(&earlier, &first);
-    if (first.tm_isdst > 0 && sameWallClock(first, fields)) return earlier;
+    if (sameWallClock(first, fields)) return earlier;
   }
   return seconds;
 }

@@ -13,6 +13,8 @@ class ZQACController;
 
 /// Each operation is optional: an empty one is a delegate that does not answer it. They are called on the thread that
 /// caused them: a clip that the tape opens or closes, on the delivery thread; the rest where setRecording() was called.
+/// The controller keeps its lock meanwhile: the operation may call it back, but must not wait for a thread that may ask
+/// it something, such as the main thread.
 struct ZQACControllerDelegate {
   /// A recording session starts, before anything else.
   std::function<void(ZQACController&)> accontrollerBeginRecord;

@@ -26,11 +26,13 @@ void ZQACController::buildVideoCompressionOptions() {
   chooseCompression(store_.integerForKey(ZQACCaptureCompression));
 }
 
-// An index that is none here stays stored: the encoder may be back another day.
+// An index that is none here stays stored, as the encoder may be back another day, until another is chosen.
 void ZQACController::chooseCompression(int index) {
+  const int stored = store_.integerForKey(ZQACCaptureCompression);
   const bool exists = compressionChoices_.has(index);
   setVideoCompressionOptions(compressionChoices_.select(index));
-  if (!exists && store_.integerForKey(ZQACCaptureCompression) != index) {
+  const bool replacesOneThatIsNotHere = exists && !compressionChoices_.has(stored);
+  if ((!exists || replacesOneThatIsNotHere) && store_.integerForKey(ZQACCaptureCompression) != index) {
     store_.setIntegerForKey(ZQACCaptureCompression, index);
   }
 }

@@ -9,6 +9,11 @@
 #include "host/movie_guard.h"
 
 namespace zq::host {
+namespace {
+
+constexpr char kEndOfTape[] = "endOfTape";
+
+}  // namespace
 
 /// What lives while the capture runs; each uses those before it.
 struct CaptureRun::Parts {
@@ -63,7 +68,7 @@ SessionReport CaptureRun::run() {
   report.delivered = ledger_->deliveredFrames();
   report.recorded = counts.recorded;
   report.dropped = counts.dropped;
-  report.ended = error_ ? "error" : wasInterrupted_ ? "interrupted" : "endOfTape";
+  report.ended = error_ ? "error" : wasInterrupted_ ? "interrupted" : kEndOfTape;
   return report;
 }
 
@@ -153,8 +158,18 @@ TapeFindings CaptureRun::findings() const {
   return findings;
 }
 
+// A tape image is played from its first frame on, each frame once.
+bool CaptureRun::tapeGoesOnAfter(std::int64_t frames) const {
+  const auto next = setup_.tape->locate(frames);
+  return next.ok() && next.value().has_value();
+}
+
 std::vector<std::string> CaptureRun::missingFrames(const SessionReport& report) const {
   std::vector<std::string> lines;
+  if (report.ended == kEndOfTape && tapeGoesOnAfter(report.delivered)) {
+    lines.push_back(fmt::format("no frame came for {} s, which ended the capture after {} frames, but the tape goes on",
+                                CaptureSettings(setup_.settings).detectEndTapeSecond(), report.delivered));
+  }
   std::int64_t outside = report.delivered;
   for (const CapturedClip& clip : report.clips) outside -= clip.tapeFrames;
   const auto cuts = static_cast<std::int64_t>(report.clips.size()) + 1;

@@ -1,6 +1,7 @@
 #pragma once
 // One capture from the command line: the host of a capture controller over a device.
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -60,6 +61,7 @@ class CaptureRun {
   void fail(const Error& error);
   void stopRecording();
   void takeDown();
+  bool tapeGoesOnAfter(std::int64_t frames) const;
   ZQACControllerDelegate makeDelegate();
 
   // Constant after construction.

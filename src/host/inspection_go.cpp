@@ -80,8 +80,8 @@ Status InspectionGo::takeRest(const FrameIndex& index) {
   takeReady();
   Piece& piece = pieces_[taken_];
   guessHeld_ = taken_ + 1 == pieces_.size() && piece.run.isComplete();
-  if (Status status = dropWrongLast(index); !status.ok()) return status;
-  Status status = piece.run.status;
+  const Status placed = dropWrongLast(index);
+  const Status status = piece.run.status.ok() ? placed : piece.run.status;
   take(piece);
   return status;
 }
@@ -91,11 +91,10 @@ Status InspectionGo::dropWrongLast(const FrameIndex& index) {
   std::vector<FrameRecord>& records = piece.run.records;
   if (records.empty() || (records.size() == 1 && taken_ == 0)) return {};
   auto placed = index.following(records.size() > 1 ? placeOf(records[records.size() - 2]) : last_);
-  if (!placed.ok()) return placed.error();
-  if (placed.value() && placed.value()->system == records.back().system) return {};
+  if (placed.ok() && placed.value() && placed.value()->system == records.back().system) return {};
   records.pop_back();
   piece.formatted = format_(records);
-  return {};
+  return placed.ok() ? Status() : placed.error();
 }
 
 }  // namespace zq::host

@@ -9,11 +9,13 @@ void keepMovieWithClip(ZQACController& controller, platform::QTCaptureFileOutput
                        const platform::QTSampleBuffer& frame) {
   if (frame.smpteTime || !controller.isRecording()) return;
   const std::optional<std::string> wanted = controller.isPrerolling() ? std::nullopt : controller.moviePath();
-  if (output.outputFileURL() == wanted) return;
-  output.recordToOutputFileURL(wanted);
-  // Done; were they left armed, the next frame with a timecode would end the file that has just begun.
-  controller.setTimecodeEndValue(nullptr);
-  controller.setTimecodeStartValue(nullptr);
+  const bool isRight = output.outputFileURL() == wanted;
+  if (!isRight) output.recordToOutputFileURL(wanted);
+  // Were it left armed, the next frame with a timecode would end the file that has just begun: an end is always that of
+  // the clip before. The controller begins a file itself on a frame without a timecode, as that counts as zero, where
+  // the start point is zero too; the end point then waits for a later timecode.
+  if (!isRight || wanted) controller.setTimecodeEndValue(nullptr);
+  if (!isRight) controller.setTimecodeStartValue(nullptr);
 }
 
 }  // namespace zq::host

@@ -114,6 +114,34 @@ TEST_F(Configurations, TheSizeTagGoesThroughTheBooleanSetter) {
   }
 }
 
+TEST_F(Configurations, WhetherTheEndIsWatchedForIsTakenByItsWholeValue) {
+  apply({{"detectEndTape", number(256)}});
+  EXPECT_EQ(live("detectEndTape"), SettingValue(true));
+}
+
+TEST_F(Configurations, AreWrittenOptionByOptionInOneOrder) {
+  compression_.script.chosen = {8};
+  Lines changed;
+  const auto observation = settings_.observe(
+      {"detectScene", "nbDropFrame", "detectEndTape", "detectEndTapeSecond", "actionAfterRecord", "frameSampling",
+       "sampleInterval", "captureMovie", "captureMovieCompression", "fitSizeTag", "captureMovieCompressionData"},
+      [&](const std::string& key) { changed.push_back(key); });
+  apply({{"detectScenes", number(0)},
+         {"nbDropFrame", number(3)},
+         {"detectEndTape", number(1)},
+         {"detectEndTapeSecond", number(9)},
+         {"actionAfterRecord", number(1)},
+         {"grabSamples", number(0)},
+         {"samplingIntervalInSecs", number(10)},
+         {"grabMovie", number(0)},
+         {"captureMovieCompression", number(2)},
+         {"fitSizeTag", number(1)},
+         {"captureMovieCompressionData", CompressionData{4}}});
+  EXPECT_THAT(changed, ElementsAre("detectScene", "nbDropFrame", "detectEndTape", "detectEndTapeSecond",
+                                   "actionAfterRecord", "frameSampling", "sampleInterval", "captureMovie",
+                                   "captureMovieCompression", "fitSizeTag", "captureMovieCompressionData"));
+}
+
 TEST_F(Configurations, WhetherMoviesAreCapturedGoesThroughItToo) {
   apply({{"grabMovie", number(256)}});
   EXPECT_EQ(live("captureMovie"), SettingValue(false));
@@ -142,9 +170,21 @@ TEST_F(Configurations, ACompressionThatIsNotHereMeansAsReceived) {
   EXPECT_EQ(live("captureMovieCompression"), number(40));
 }
 
+// An index that is none here stays stored until somebody chooses.
+TEST_F(Configurations, ChoosingAsReceivedReplacesACompressionThatIsNotHere) {
+  apply({{"captureMovieCompression", number(40)}});
+  apply({{"captureMovieCompression", number(0)}});
+  EXPECT_EQ(live("captureMovieCompression"), number(0));
+  apply({{"captureMovieCompression", number(40)}});
+  controller_->buildVideoCompressionOptions();
+  EXPECT_EQ(live("captureMovieCompression"), number(40)) << "building the list is no choice";
+}
+
 TEST_F(Configurations, CustomDataIsCopiedAsItIs) {
   apply({{"captureMovieCompressionData", CompressionData{4, 5, 6}}});
   EXPECT_EQ(live("captureMovieCompressionData"), SettingValue(CompressionData{4, 5, 6}));
+  apply({{"captureMovieCompressionData", number(7)}});
+  EXPECT_EQ(live("captureMovieCompressionData"), number(7));
 }
 
 TEST_F(Configurations, TheCompressionIsAppliedWithSizeAndDataOfTheConfiguration) {
@@ -181,6 +221,13 @@ TEST_F(Configurations, OtherOldFormatsRemoveTheDataAlsoWhenTheDialogIsCancelled)
   EXPECT_EQ(compression_.dialogs, 2) << "once for the choice, and again when all is applied";
 }
 
+TEST_F(Configurations, AnOldFormatBelow0IsOneOfTheOthers) {
+  compression_.script.dialogResult = 1;
+  apply({{"captureMovieCompressionData", CompressionData{4}}, {"captureFormat", number(-1)}});
+  EXPECT_EQ(settings_.objectForKey(ZQACCaptureCompressionData), std::nullopt);
+  EXPECT_EQ(compressionPopUp_.indexOfSelectedItem(), 3);
+}
+
 TEST_F(Configurations, OldFormats0And1KeepTheCustomData) {
   apply({{"captureMovieCompressionData", CompressionData{4}}, {"captureFormat", number(0)}});
   EXPECT_EQ(live("captureMovieCompressionData"), SettingValue(CompressionData{4}));
@@ -193,6 +240,13 @@ TEST_F(Configurations, AnItemThatIsNotThereChangesNothing) {
   EXPECT_EQ(live("detectScene"), SettingValue(true));
 }
 
+TEST_F(Configurations, TheSelectedOneIsDeleted) {
+  controller_->setAllConfiguration({{{"optionsName", "Films"}}, {{"optionsName", "Family"}}});
+  controller_->selectConfigurationAtIndex(2);
+  controller_->deleteCurrentConfiguration();
+  EXPECT_THAT(deleted_, ElementsAre("Family"));
+}
+
 TEST_F(Configurations, TheUnnamedItemIsDeletedByNoName) {
   controller_->setAllConfiguration({});
   controller_->selectConfigurationAtIndex(0);
@@ -201,7 +255,10 @@ TEST_F(Configurations, TheUnnamedItemIsDeletedByNoName) {
 }
 
 TEST_F(Configurations, StaySelectedWhenTheyAreApplied) {
-  apply({{"detectScenes", number(0)}, {"captureMovieCompression", number(3)}, {"fitSizeTag", number(0)}});
+  apply({{"detectScenes", number(0)},
+         {"samplingIntervalInSecs", number(10)},
+         {"captureMovieCompression", number(3)},
+         {"fitSizeTag", number(0)}});
   EXPECT_EQ(configurationPopUp_.indexOfSelectedItem(), 1);
 }
 
@@ -240,6 +297,14 @@ TEST_F(Configurations, AreSavedUnderTheirOwnKeysWithoutAName) {
                                    {"grabMovie", false},
                                    {"captureMovieCompression", number(0)},
                                    {"fitSizeTag", number(4)}}));
+}
+
+TEST_F(Configurations, AreSavedWithoutAnOptionThatIsNotStored) {
+  settings_.removeObjectForKey("detectEndTape");
+  settings_.removeObjectForKey("nbDropFrame");
+  const Configuration saved = save();
+  EXPECT_FALSE(saved.contains("detectEndTape"));
+  EXPECT_FALSE(saved.contains("nbDropFrame"));
 }
 
 TEST_F(Configurations, AreSavedWithTheCustomDataWhenThereIsSome) {

@@ -49,6 +49,15 @@ TEST(CurrentClipTest, TheSameEndAgainLeavesTheDuration) {
   EXPECT_EQ(*clip.info().clipDuration, timecodeOf(0, 1, 0, 0));
 }
 
+TEST(CurrentClipTest, AnEqualEndInAnotherObjectGivesTheDurationAnew) {
+  CurrentClip clip;
+  clip.startTimecode = valueWithSMPTETime(timecodeOf(0, 0, 0, 5, 1));
+  clip.setEndTimecode(valueWithSMPTETime(timecodeOf(0, 1, 0, 5, 1)));
+  clip.startTimecode = valueWithSMPTETime(timecodeOf(0, 0, 30, 5, 1));
+  clip.setEndTimecode(valueWithSMPTETime(timecodeOf(0, 1, 0, 5, 1)));
+  EXPECT_EQ(*clip.info().clipDuration, timecodeOf(0, 0, 30, 0));
+}
+
 TEST(CurrentClipTest, BeginForgetsDateStartAndEndButNotTheRest) {
   CurrentClip clip;
   clip.clipId = "one";

@@ -145,7 +145,8 @@ TEST_F(SelectedDevice, ThatCannotBeAddedAlertsAndIsClosedAgain) {
   const auto device = makeDevice();
   controller_->setSelectedVideoDevice(device);
   EXPECT_THAT(alerts_.shown, ElementsAre(RecordingAlerts::Alert{"The session is full", "Remove a device."}));
-  EXPECT_THAT(linesOf({"device", "session"}), ElementsAre("device: open", "session: add input", "device: close"));
+  EXPECT_THAT(linesOf({"device", "session", "alert"}),
+              ElementsAre("device: open", "session: add input", "alert: The session is full", "device: close"));
   EXPECT_FALSE(controller_->hasRecordingDevice());
   EXPECT_FALSE(device->isOpen());
 }
@@ -188,6 +189,24 @@ TEST_F(SelectedDevice, ThatDoesNotPlayEndsARecording) {
   EXPECT_FALSE(recordButton_.state());
 }
 
+TEST_F(SelectedDevice, NoneEndsARecordingToo) {
+  selectDevice(platform::AVCTransportControls{1, 10000});
+  startRecording();
+  controller_->setSelectedVideoDevice(nullptr);
+  EXPECT_FALSE(controller_->isRecording());
+}
+
+// The clip that a tape at rest ends has no end, as the timecode is forgotten first.
+TEST_F(SelectedDevice, ForgetsTheTimecodeBeforeItEndsARecording) {
+  settings_.setBoolForKey(ZQACDetectScene, false);
+  startRecording();
+  play(1, 100, 0);
+  selectDevice(platform::AVCTransportControls{0, 0});
+  ASSERT_FALSE(controller_->isRecording());
+  ASSERT_FALSE(delegate_.infos.empty());
+  EXPECT_EQ(delegate_.infos.back().clipEndTimecode, nullptr);
+}
+
 TEST_F(SelectedDevice, WorksWithoutAnythingOnScreen) {
   outlets_ = {};
   makeController();
@@ -204,6 +223,29 @@ TEST_F(SelectedDevice, AnnouncesItsKeyAndThoseThatFollowIt) {
   EXPECT_THAT(keys, ElementsAre("will selectedVideoDevice", "will hasRecordingDevice", "will controllableDevice",
                                 "will videoDeviceInput", "did selectedVideoDevice", "did hasRecordingDevice",
                                 "did controllableDevice", "did videoDeviceInput"));
+}
+
+TEST_F(SelectedDevice, IsAnnouncedBeforeTheOldOneIsReleased) {
+  const auto first = selectDevice(platform::AVCTransportControls{0, 0});
+  std::vector<bool> firstIsOpen;
+  const auto observation = controller_->keys().addObserver([&](const std::string& key, KeyChange) {
+    if (key == "selectedVideoDevice") firstIsOpen.push_back(first->isOpen());
+  });
+  controller_->setSelectedVideoDevice(makeDevice());
+  EXPECT_THAT(firstIsOpen, ElementsAre(true, false));
+}
+
+TEST_F(SelectedDevice, IsAnnouncedWhenItCannotBeHadToo) {
+  Lines keys;
+  const auto observation = controller_->keys().addObserver([&](const std::string& key, KeyChange change) {
+    if (key == "selectedVideoDevice") keys.emplace_back(change == KeyChange::willChange ? "will" : "did");
+  });
+  const auto closed = makeDevice();
+  closed->openError = Error{"no", ""};
+  controller_->setSelectedVideoDevice(closed);
+  platform_.parts.addInputError = Error{"The session is full", ""};
+  controller_->setSelectedVideoDevice(makeDevice());
+  EXPECT_THAT(keys, ElementsAre("will", "did", "will", "did"));
 }
 
 TEST_F(SelectedDevice, MayBeOneOfThoseThatTheHostOffers) {

@@ -132,6 +132,7 @@ TEST_F(DroppedFrames, StoppingAmongThemTellsOfTheClosedClipAgain) {
 TEST_F(DroppedFrames, WithoutAnAnswerForANewClipTheWaitingEndsAllTheSame) {
   delegate_.operations.accontrollerWillRecord = nullptr;
   play(10, 250, 100);
+  EXPECT_TRUE(controller_->isPrerolling());
   play(11, 255, 100);
   EXPECT_FALSE(controller_->isPrerolling());
   EXPECT_THAT(delegateCalls(), ElementsAre("delegate: did clip 2"));

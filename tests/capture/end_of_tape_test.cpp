@@ -54,7 +54,31 @@ TEST_F(EndOfTape, IsStartedAnewByEachFrame) {
   EXPECT_FALSE(controller_->isRecording());
 }
 
-// A frame that is not DV, or one that is left out, is a sign of life as well; but the first one ends the recording.
+// Its alert is shown for longer than the old watch had to go.
+TEST_F(EndOfTape, IsStartedAnewByAFrameThatIsNotDVBeforeItEndsTheRecording) {
+  watchFor(1);
+  recordAFrame();
+  letPass(900ms);
+  bool stillRecording = false;
+  alerts_.whileShown = [&] {
+    letPass(500ms);
+    stillRecording = controller_->isRecording();
+  };
+  deliver(bufferOfLength(119999));
+  EXPECT_TRUE(stillRecording);
+  EXPECT_FALSE(controller_->isRecording());
+}
+
+TEST_F(EndOfTape, IsWatchedForOnceTheMainThreadGetsToIt) {
+  watchFor(1);
+  recordAFrame();
+  runtime_.clock().sleepFor(600ms);
+  letPass(900ms);
+  EXPECT_TRUE(controller_->isRecording());
+  letPass(101ms);
+  EXPECT_FALSE(controller_->isRecording());
+}
+
 TEST_F(EndOfTape, IsStartedAnewByFramesThatAreLeftOut) {
   watchFor(1);
   settings_.setIntegerForKey(ZQACNbDropFrame, 100);

@@ -41,6 +41,24 @@ TEST_F(FileChange, TheNextFrameIsTheFirstOfTheNewClipAndItsMovie) {
   EXPECT_EQ(movieFileOutput().movies[delegate_.moviePath(2)].size(), 2U);
 }
 
+TEST_F(FileChange, TheThumbnailsOfTheEndedClipAreCompleteBeforeItIsTold) {
+  std::vector<std::uint32_t> seen;
+  delegate_.operations.accontrollerDidRecordInfo = [&](ZQACController& controller, const ClipInfo&) {
+    EXPECT_EQ(controller.thumbnailsPath(), std::nullopt);
+    EXPECT_EQ(controller.moviePath(), std::nullopt);
+    seen = thumbnailsOf(1);
+  };
+  movieFileOutput().demandOtherFile();
+  EXPECT_THAT(seen, ElementsAre(1U, 2U));
+}
+
+TEST_F(FileChange, DoesNotAskWhetherAnythingIsRecorded) {
+  stopRecording();
+  journal_.clear();
+  movieFileOutput().demandOtherFile();
+  EXPECT_THAT(delegateCalls(), ElementsAre("delegate: did clip 1", "delegate: will"));
+}
+
 TEST_F(FileChange, DoesNotCommandTheOutputItself) {
   movieFileOutput().demandOtherFile();
   EXPECT_THAT(movieCommands(), IsEmpty());

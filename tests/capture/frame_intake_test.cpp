@@ -69,7 +69,11 @@ TEST_F(FrameIntake, NothingElseIsDoneForAFrameThatIsNotDV) {
 TEST_F(FrameIntake, TheAlertIsShownInTheUsersLanguage) {
   strings_.texts["Cannot capture this stream."] = "Ce flux ne peut pas être capturé.";
   deliver(bufferOfLength(119999));
-  EXPECT_EQ(alerts_.shown.at(0).message, "Ce flux ne peut pas être capturé.");
+  ASSERT_EQ(alerts_.shown.size(), 1U);
+  EXPECT_EQ(alerts_.shown[0].message, "Ce flux ne peut pas être capturé.");
+  strings_.texts[alerts_.shown[0].informative] = "Ce n'est pas du DV.";
+  deliver(bufferOfLength(119999));
+  EXPECT_EQ(alerts_.shown.at(1).informative, "Ce n'est pas du DV.");
 }
 
 TEST_F(FrameIntake, AZeroLengthBufferIsIgnored) {

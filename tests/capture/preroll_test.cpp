@@ -61,6 +61,30 @@ TEST_F(Preroll, WaitsWithTheSwitchOffAndTheStartPointAtZero) {
   EXPECT_TRUE(controller_->isPrerolling());
 }
 
+TEST_F(Preroll, ForgetsTheStartPointOfARecordingBefore) {
+  const auto device = selectPausedDevice();
+  controller_->setStartTimecode(timecodeOf(5, 0, 0, 0, 1));
+  device->beforeObeying = [&](const AVCTransportControls& command) {
+    const bool runsBack = command.speed < 0;
+    if (runsBack) {
+      EXPECT_EQ(controller_->startTimecode(), nullTimecode);
+    }
+  };
+  startRecording();
+  EXPECT_EQ(controller_->startTimecode(), timecodeOf(0, 10, 0, 0, 1));
+}
+
+TEST_F(Preroll, TheClipStartsAtTheTapesTimecodeAndNotAtThatOfAFrameWithoutOne) {
+  selectPausedDevice();
+  settings_.setBoolForKey(ZQACDetectScene, false);
+  startRecording();
+  controller_->setStartTimecode(nullTimecode);
+  play(4, std::nullopt, 0);
+  EXPECT_FALSE(controller_->isPrerolling());
+  ASSERT_NE(controller_->currentClipInfo().clipStartTimecode, nullptr);
+  EXPECT_EQ(*controller_->currentClipInfo().clipStartTimecode, timecodeOf(0, 10, 0, 0, 1));
+}
+
 TEST_F(Preroll, FramesThatPassWhileTheTapeRunsBackAreNotRecorded) {
   selectPausedDevice();
   const auto backwards = runtime_.startThread("tape", [this] {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "backends/media/small_disk.h"
 #include "support/capture_buffers.h"
 #include "support/scratch_folder.h"
 
@@ -98,6 +99,30 @@ TEST_F(ThumbnailsFileTest, AFullDiskLeavesWholeFramesOnly) {
   file.open("/dev/full");
   ASSERT_TRUE(file.isOpen());
   file.append(bytesOf("lost"));
+}
+
+TEST_F(ThumbnailsFileTest, AFrameThatTheDiskCutsShortIsTakenBack) {
+  const FileSizeLimit limit(15);
+  ThumbnailsFile file;
+  file.open(path_);
+  file.append(bytesOf("0123456789"));
+  file.append(bytesOf("abcdefghij"));
+  EXPECT_EQ(contentOf(path_), "0123456789");
+  file.append(bytesOf("xyz"));
+  EXPECT_EQ(contentOf(path_), "0123456789xyz");
+}
+
+TEST_F(ThumbnailsFileTest, AFrameThatTheDiskCutsShortTakesNothingFromAnOlderFile) {
+  write(std::string(30, 'o'));
+  const FileSizeLimit limit(15);
+  ThumbnailsFile file;
+  file.open(path_);
+  file.append(bytesOf("0123456789"));
+  file.append(bytesOf("abcdefghij"));
+  const std::string content = contentOf(path_);
+  EXPECT_EQ(content.size(), 30U);
+  EXPECT_EQ(content.substr(0, 10), "0123456789");
+  EXPECT_EQ(content.substr(15), std::string(15, 'o'));
 }
 
 }  // namespace

@@ -93,6 +93,26 @@ TEST(DifSequencePacks, RecordingTimePack) {
   EXPECT_EQ(value->secondOfMinute(), 45);
 }
 
+TEST(DifSequencePacks, RecordingTimePackHasAllItsDigits) {
+  for (const int tens : {2, 3, 5}) {
+    const auto seconds = static_cast<std::uint8_t>(tens << 4 | 0x9);
+    const auto time = captureDateTimeOfPack({0x63, 0xFF, seconds, seconds, 0x23});
+    ASSERT_NE(time, nullptr);
+    EXPECT_EQ(time->hourOfDay(), 23);
+    EXPECT_EQ(time->minuteOfHour(), tens * 10 + 9);
+    EXPECT_EQ(time->secondOfMinute(), tens * 10 + 9);
+  }
+}
+
+TEST(DifSequencePacks, FirstTimeWinsWhereThereIsNoDateYet) {
+  FrameBytes frame = frameWithPack(kTime133045);
+  setSubcodePack(frame, 0, 1, {0x63, 0xFF, 0x01, 0x02, 0x03});
+  setSubcodePack(frame, 0, 2, kDate20241231);
+  const DVDifSequence sequence = decodedSequence(frame, 0);
+  ASSERT_NE(sequence.date(), nullptr);
+  EXPECT_EQ(sequence.date()->isoString(), "2024-12-31T13:30:45");
+}
+
 TEST(DifSequencePacks, FirstDateAndFirstTimeWin) {
   FrameBytes frame = makeFrameBytes(DVSystem::ntsc525_60);
   setSubcodePack(frame, 0, 0, kDate20241231);

@@ -69,6 +69,25 @@ TEST(DifSequence, HeaderTellsTheSystem) {
   EXPECT_EQ(ntsc.timeCode().mType, 2U);
 }
 
+TEST(DifSequence, TheHighestBitAloneTellsTheSystem) {
+  const auto typeWith = [](std::uint8_t flags) {
+    FrameBytes frame = makeFrameBytes(DVSystem::ntsc525_60);
+    frame[3] = flags;
+    return decodedSequence(frame, 0).timeCode().mType;
+  };
+  EXPECT_EQ(typeWith(0x7F), 2U);
+  EXPECT_EQ(typeWith(0x80), 1U);
+}
+
+TEST(DifSequence, TheSystemIsTakenWhateverTheHeadersSectionType) {
+  FrameBytes frame = makeFrameBytes(DVSystem::pal625_50);
+  setSectionType(frame, 0, 0, 4);
+  const DVDifSequence sequence = decodedSequence(frame, 0);
+  EXPECT_TRUE(sequence.systemOk());
+  EXPECT_EQ(sequence.timeCode().mType, 1U);
+  EXPECT_EQ(sequence.sectionType(), 4);
+}
+
 TEST(DifSequence, HeaderIdIsDecoded) {
   FrameBytes frame = makeFrameBytes(DVSystem::ntsc525_60);
   blockAt(frame, 4, 0)[0] = 0x9F;
@@ -237,6 +256,18 @@ TEST(DifSequence, WrongVauxIsLoggedAndLeavesItsFields) {
   EXPECT_THAT(log.messages(), ElementsAre("Cannot decode Vaux Source Control Pack for VA of type 7 at block number 3",
                                           "Cannot decode Vaux Source Pack for VA of type 7 at block number 3"));
   EXPECT_EQ(log.lines.front().level, LogLevel::info);
+}
+
+TEST(DifSequence, SubcodeIsDecodedBeforeVaux) {
+  FrameBytes frame = makeFrameBytes(DVSystem::ntsc525_60);
+  setSectionType(frame, 0, 1, 4);
+  setSectionType(frame, 0, 5, 4);
+  test::DVRecordingLog log;
+  decodedSequence(frame, 0, &log);
+  ASSERT_EQ(log.lines.size(), 3U);
+  EXPECT_THAT(log.lines[0].message, testing::HasSubstr("subcode"));
+  EXPECT_THAT(log.lines[1].message, testing::HasSubstr("Vaux Source Control Pack"));
+  EXPECT_THAT(log.lines[2].message, testing::HasSubstr("Vaux Source Pack"));
 }
 
 TEST(DifSequence, WrongVauxLeavesTheSubcodeToBeRead) {

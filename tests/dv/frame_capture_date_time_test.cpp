@@ -112,6 +112,19 @@ TEST(FrameCaptureDateTime, AddingUsesTheCalendar) {
             nullptr);
 }
 
+TEST(FrameCaptureDateTime, AddingPassesEachNumberOn) {
+  const auto start = Value::dateWithYearMonthDayHoursMinutesSeconds(2024, 1, 1, 0, 0, 0);
+  const auto later = start->dateByAddingYearsMonthsDaysHoursMinutesSeconds(1, 2, 3, 4, 5, 6);
+  ASSERT_NE(later, nullptr);
+  expectNumbers(*later, 2025, 3, 4, 4, 5, 6);
+}
+
+TEST(FrameCaptureDateTime, TimeWithoutDateHasNoInterval) {
+  const auto time = Value::timeWithHoursMinutesSeconds(13, 30, 45);
+  EXPECT_EQ(time->timeIntervalSinceCaptureDateTime(fullySet().get()), -10000.0);
+  EXPECT_EQ(fullySet()->timeIntervalSinceCaptureDateTime(time.get()), -10000.0);
+}
+
 TEST(FrameCaptureDateTime, SetDateFromTakesTheMonthFromTheDay) {
   Value value;
   value.setDateFrom(fullySet().get());
@@ -139,6 +152,13 @@ TEST(FrameCaptureDateTime, SetTimeFromCopiesTimeAndFlag) {
   value.setTimeFrom(fullySet().get());
   expectNumbers(value, 2020, 1, 2, 13, 30, 45);
   expectFlags(value, true, true);
+}
+
+TEST(FrameCaptureDateTime, SetTimeFromCopiesTheFlagAlsoWhenClear) {
+  Value value = *fullySet();
+  value.setTimeFrom(Value::dateWithYearMonthDay(2020, 1, 2).get());
+  expectNumbers(value, 2024, 7, 15, 0, 0, 0);
+  expectFlags(value, true, false);
 }
 
 TEST(FrameCaptureDateTime, SetTimeFromNullKeepsEverything) {

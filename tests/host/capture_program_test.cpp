@@ -232,6 +232,37 @@ TEST_F(CaptureProgram, ASceneWhoseFirstFrameLostItsTimecodeKeepsThatFrame) {
   EXPECT_EQ(clipFile(clips.at(1), "moviePath"), bytesOf(frames, 30, 51));
 }
 
+// A frame without a timecode counts as 00:00:00:00, so it reaches a start there and does not pass an end there.
+TEST_F(CaptureProgram, ASceneThatBeginsWithoutATimecodeAfterTimecodeZeroIsCapturedWhole) {
+  for (const int untimedLater : {0, 1}) {
+    auto scenes = std::vector<ScriptScene>{
+        {1, kFirst, timecodeOf(0, 0, 0, 0)}, {1, kLater, std::nullopt}, {20, kLater, timecodeOf(0, 10, 0, 1)}};
+    if (untimedLater != 0) {
+      scenes.push_back({1, kLater, std::nullopt});
+      scenes.push_back({20, kLater, timecodeOf(0, 10, 0, 22)});
+    }
+    const auto frames = framesOf(scenes);
+    capture(frames, {"--format", "dv"});
+    const json clips = report().at("clips");
+    ASSERT_EQ(clips.size(), 2U);
+    EXPECT_EQ(clipFile(clips.at(0), "moviePath"), bytesOf(frames, 0, 1));
+    EXPECT_EQ(clipFile(clips.at(1), "moviePath"), bytesOf(frames, 1, frames.size()));
+    std::filesystem::remove_all(folder / "clips");
+  }
+}
+
+TEST_F(CaptureProgram, ScenesThatBothBeginAtTimecodeZeroAreCapturedWholeHoweverShort) {
+  const auto frames = framesOf({{1, kFirst, timecodeOf(0, 0, 0, 0)},
+                                {1, kLater, timecodeOf(0, 0, 0, 0)},
+                                {20, kEarlier, timecodeOf(0, 0, 0, 0)}});
+  capture(frames, {"--format", "dv"});
+  const json clips = report().at("clips");
+  ASSERT_EQ(clips.size(), 3U);
+  EXPECT_EQ(clipFile(clips.at(0), "moviePath"), bytesOf(frames, 0, 1));
+  EXPECT_EQ(clipFile(clips.at(1), "moviePath"), bytesOf(frames, 1, 2));
+  EXPECT_EQ(clipFile(clips.at(2), "moviePath"), bytesOf(frames, 2, 22));
+}
+
 TEST_F(CaptureProgram, AClockThatWasNeverSetNamesNoFile) {
   auto frames = framesOf({{6, kFirst, timecodeOf(0, 0, 0, 0)}});
   for (ScriptFrame& frame : frames) {

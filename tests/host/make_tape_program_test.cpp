@@ -1,7 +1,9 @@
 // The make-tape command, and the commands that need no tape, as a user runs them.
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "support/program.h"
@@ -55,6 +57,19 @@ TEST(MakeTapeProgram, RefusesScenesThatCannotBe) {
     EXPECT_NE(result.err.find("scene"), std::string::npos) << result.err;
     EXPECT_FALSE(std::filesystem::exists(folder / "try.dv")) << scene;
   }
+}
+
+TEST(MakeTapeProgram, SaysThatTheFileMayNotGrowAndLeavesNoPartOfIt) {
+  const ProgramFolder folder;
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit limit{1 << 20, before.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &limit);
+  const ProgramResult result = runDeckhand(folder, {"make-tape", folder / "tape.dv"});
+  setrlimit(RLIMIT_FSIZE, &before);
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_NE(result.err.find("tape.dv"), std::string::npos) << result.err;
+  EXPECT_FALSE(std::filesystem::exists(folder / "tape.dv"));
 }
 
 TEST(Program, SaysItsVersion) {

@@ -114,7 +114,8 @@ TEST_F(Inspecting, CountsTheBytesBehindTheLastWholeFrame) {
   EXPECT_EQ(result.trailingBytes, 143000U);
 }
 
-// The pieces behind the first two are not begun before the first one is formatted.
+// The pieces behind the first two are not begun before the first one is formatted. The last frame that was read has
+// nothing behind it that bears it out.
 TEST_F(Inspecting, ATapeThatIsCutShortMeanwhileIsAnErrorAndWhatCameBeforeIsKept) {
   DeckTape tape(folder_.file("tape.dv"));
   tape.add(kPal, 2000).path();
@@ -125,7 +126,7 @@ TEST_F(Inspecting, ATapeThatIsCutShortMeanwhileIsAnErrorAndWhatCameBeforeIsKept)
   });
   ASSERT_FALSE(result.status.ok());
   EXPECT_THAT(result.status.error().text(), HasSubstr("became shorter while it was read"));
-  EXPECT_GE(result.places.size(), 100U);
+  EXPECT_GE(result.places.size(), 99U);
   EXPECT_LT(result.places.size(), 2000U);
   for (std::size_t i = 0; i < result.places.size(); ++i) EXPECT_EQ(result.places[i], tape.places()[i]);
 }

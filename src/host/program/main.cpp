@@ -1,6 +1,7 @@
 // The command line: options in, one command run, its exit code out.
 
 #include <CLI/CLI.hpp>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <functional>
@@ -205,6 +206,8 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // A file that may not grow any more is then an error of its write, which is told, and not the end of the program.
+  std::signal(SIGXFSZ, SIG_IGN);
   try {
     return run(argc, argv);
   } catch (const std::exception& error) {
