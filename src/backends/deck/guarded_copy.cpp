@@ -9,8 +9,8 @@
 namespace zq::backend {
 namespace {
 
-// Where this thread goes on when the bytes that it is copying are not to be had; null while it copies nothing. Volatile,
-// as the handler reads it in the midst of a copy, which a compiler cannot know.
+// Where this thread goes on when the bytes that it is copying are not to be had; null while it copies nothing.
+// Volatile, as the handler reads it in the midst of a copy, which a compiler cannot know.
 thread_local sigjmp_buf* volatile t_escape = nullptr;
 
 struct sigaction g_before {};
