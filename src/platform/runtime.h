@@ -24,6 +24,9 @@ class Runtime {
   /// Runs `work`, which uses nothing of the runtime's and nothing that other threads change: a write to a disk. Where
   /// one thread runs at a time, others may run beside it.
   virtual void runAside(const std::function<void()>& work) = 0;
+  /// Waits for what work aside brings about, as condition.wait(mutex) does. No virtual time passes while such work goes
+  /// on, so that no timer takes a slow disk for a standstill.
+  virtual void waitForWorkAside(Condition& condition, Mutex& mutex) { condition.wait(mutex); }
 };
 
 }  // namespace zq::platform

@@ -263,6 +263,14 @@ TEST_F(CaptureProgram, ScenesThatBothBeginAtTimecodeZeroAreCapturedWholeHoweverS
   EXPECT_EQ(clipFile(clips.at(2), "moviePath"), bytesOf(frames, 2, 22));
 }
 
+// Its seconds are the tape's, however long the disk takes.
+TEST_F(CaptureProgram, AWatchForTheEndDoesNotTakeASlowDiskForIt) {
+  const auto frames = framesOf({{400, kFirst, timecodeOf(0, 0, 0, 0)}});
+  const ProgramResult result = capture(frames, {"--set", "detectEndTape=true"});
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_EQ(report().at("frames").at("recorded"), 400);
+}
+
 TEST_F(CaptureProgram, AClockThatWasNeverSetNamesNoFile) {
   auto frames = framesOf({{6, kFirst, timecodeOf(0, 0, 0, 0)}});
   for (ScriptFrame& frame : frames) {

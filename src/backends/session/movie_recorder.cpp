@@ -64,7 +64,9 @@ void MovieRecorder::queueChange(Item item) {
 
 void MovieRecorder::waitForSpace() {
   const std::lock_guard guard(*mutex_);
-  while (!quit_ && heldFrames_ >= std::min(queueFrames_, kFramesAhead)) spaceArrived_->wait(*mutex_);
+  while (!quit_ && heldFrames_ >= std::min(queueFrames_, kFramesAhead)) {
+    runtime_.waitForWorkAside(*spaceArrived_, *mutex_);
+  }
 }
 
 void MovieRecorder::push(const QTSampleBuffer& frame, bool mayBeDropped) {

@@ -46,6 +46,7 @@ class VirtualParticipant final : public Waitable {
   const Waitable* waitsFor = nullptr;  // While waiting; null is for time to pass.
   std::optional<platform::TimePoint> deadline;
   platform::TimePoint asideSince;  // while kAside
+  bool waitsForWorkAside = false;
   std::vector<VirtualParticipant*> joiners;
   VirtualParticipant* unwinder = nullptr;  // Who gets the baton back when this thread has been unwound.
 

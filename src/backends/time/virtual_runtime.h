@@ -36,6 +36,10 @@ class VirtualRuntime final : public platform::Runtime {
   /// Beside the others only when the options say so.
   void runAside(const std::function<void()>& work) override { scheduler_.runAside(work); }
 
+  void waitForWorkAside(platform::Condition& condition, platform::Mutex& mutex) override {
+    scheduler_.waitForWorkAside([&] { condition.wait(mutex); });
+  }
+
   /// How often a thread was chosen to go on.
   std::uint64_t steps() const { return scheduler_.steps(); }
   /// Of which thread went on when, from the beginning. Two runs with the same hash took the same course.

@@ -100,7 +100,8 @@ void VirtualScheduler::wake(VirtualParticipant& participant) {
 void VirtualScheduler::runAside(const std::function<void()>& work) {
   VirtualParticipant& self = running();
   if (aside_ > 0) takeBack(false);
-  if (!options_.overlapsWorkAside || comesApart_ || (ready_.empty() && !nextDeadline())) return work();
+  const bool othersMayRun = !ready_.empty() || (nextDeadline() && mayPassTime());
+  if (!options_.overlapsWorkAside || comesApart_ || !othersMayRun) return work();
   self.state = VirtualParticipant::State::kAside;
   self.asideSince = now_;
   ++aside_;
@@ -119,6 +120,19 @@ void VirtualScheduler::runAside(const std::function<void()>& work) {
   }
   comeBack(self);
   if (thrown) std::rethrow_exception(thrown);
+}
+
+void VirtualScheduler::waitForWorkAside(const std::function<void()>& wait) {
+  /// Until the wait ends, by an exception too.
+  struct Mark {
+    explicit Mark(VirtualParticipant& waiting) : participant(waiting) { participant.waitsForWorkAside = true; }
+    ~Mark() { participant.waitsForWorkAside = false; }
+    Mark(const Mark&) = delete;
+    Mark& operator=(const Mark&) = delete;
+    VirtualParticipant& participant;
+  };
+  const Mark mark(running());
+  wait();
 }
 
 // Whoever has the baton finds this thread among those that are back, or unwinds it, and gives it the turn.
@@ -230,6 +244,7 @@ std::optional<platform::TimePoint> VirtualScheduler::nextDeadline() const {
 bool VirtualScheduler::mayPassTime() const {
   const std::optional<platform::TimePoint> next = nextDeadline();
   return std::ranges::none_of(living_, [&](const VirtualParticipant* participant) {
+    if (participant->waitsForWorkAside) return true;
     return participant->state == VirtualParticipant::State::kAside && next &&
            *next > participant->asideSince + options_.aheadOfWorkAside;
   });

@@ -43,6 +43,8 @@ class VirtualScheduler {
   void wake(VirtualParticipant& participant);
   /// Gives the baton away for the time of `work`, if another thread can use it.
   void runAside(const std::function<void()>& work);
+  /// `wait` blocks until work aside has been done; no time passes while that goes on.
+  void waitForWorkAside(const std::function<void()>& wait);
   void join(VirtualParticipant& target);
   /// For destructors: as join(), but leaves a stop of the runtime to be thrown by the next call that blocks.
   void joinQuietly(VirtualParticipant& target);

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <vector>
 
@@ -52,6 +53,33 @@ TEST(WorkAside, LetsALittleTimePassMeanwhile) {
   });
   runtime.runAside([&] { slept.wait(false); });
   EXPECT_EQ(runtime.clock().now().time_since_epoch(), seconds(1));
+}
+
+TEST(WorkAside, NoTimePassesWhileAThreadWaitsForWhatItBrings) {
+  VirtualRuntime runtime(overlapping());
+  const auto mutex = runtime.makeMutex("mutex");
+  const auto condition = runtime.makeCondition("condition");
+  bool done = false;
+  bool slept = false;
+  const auto writer = runtime.startThread("writer", [&] {
+    for (int piece = 0; piece < 5; ++piece) runtime.runAside([] {});
+    const std::lock_guard guard(*mutex);
+    done = true;
+    condition->notifyAll();
+  });
+  const auto sleeper = runtime.startThread("sleeper", [&] {
+    runtime.clock().sleepFor(std::chrono::milliseconds(10));
+    slept = true;
+  });
+  {
+    const std::lock_guard guard(*mutex);
+    while (!done) runtime.waitForWorkAside(*condition, *mutex);
+  }
+  EXPECT_FALSE(slept);
+  EXPECT_EQ(runtime.clock().now().time_since_epoch(), seconds(0));
+  writer->join();
+  sleeper->join();
+  EXPECT_TRUE(slept) << "and goes on afterwards";
 }
 
 // A watchdog would see hours of silence in the moment in which the others wait for a disk.
